@@ -1,0 +1,11 @@
+# Every library that the project builds on; packages.txt names the Debian packages that bring them.
+find_package(Threads REQUIRED)
+find_package(OpenGL REQUIRED COMPONENTS OpenGL)
+find_package(embree 3 REQUIRED)
+find_package(TBB REQUIRED)
+find_package(pugixml REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(fmt REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_library(QV_GEOS_LIBRARY geos_c REQUIRED)
+find_library(QV_GLU_LIBRARY GLU REQUIRED)

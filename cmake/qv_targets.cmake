@@ -1,0 +1,50 @@
+# One function for each kind of target, so that a room's CMakeLists.txt is a list of its files.
+
+# Flags that every target of the project compiles with.
+add_library(qv_flags INTERFACE)
+target_compile_features(qv_flags INTERFACE cxx_std_20)
+# Contraction off: optimised and debug builds give the same bits.
+target_compile_options(qv_flags INTERFACE -ffp-contract=off -Wall -Wextra -Wpedantic -Wshadow
+                                          -Wnon-virtual-dtor -Woverloaded-virtual)
+if(QV_WARNINGS_AS_ERRORS)
+  target_compile_options(qv_flags INTERFACE -Werror)
+endif()
+if(QV_SANITIZE)
+  target_compile_options(qv_flags INTERFACE -fsanitize=${QV_SANITIZE} -fno-omit-frame-pointer
+                                            -fno-sanitize-recover=all)
+  target_link_options(qv_flags INTERFACE -fsanitize=${QV_SANITIZE})
+endif()
+
+# qv_library(<name> SOURCES … HEADERS … [PUBLIC libs…] [PRIVATE libs…] [ROOT dir])
+# A shared library whose headers are included relative to ROOT (default: the parent folder).
+function(qv_library name)
+  cmake_parse_arguments(arg "" "ROOT" "SOURCES;HEADERS;PUBLIC;PRIVATE" ${ARGN})
+  if(NOT arg_ROOT)
+    get_filename_component(arg_ROOT "${CMAKE_CURRENT_SOURCE_DIR}/.." ABSOLUTE)
+  endif()
+  add_library(${name} SHARED ${arg_SOURCES} ${arg_HEADERS})
+  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${arg_ROOT}>
+                                            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:qv_flags>)
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+                                           LINKER_LANGUAGE CXX)
+endfunction()
+
+# qv_test(<name> SOURCES … LIBS …): a GoogleTest program; CTest knows each of its tests.
+function(qv_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE ${arg_LIBS} qv_flags GTest::gtest GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${name} PRIVATE QV_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
+endfunction()
+
+# qv_bench_program(<name> SOURCES … LIBS …): a Google Benchmark program.
+function(qv_bench_program name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE ${arg_LIBS} qv_flags benchmark::benchmark)
+endfunction()

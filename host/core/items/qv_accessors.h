@@ -1,0 +1,190 @@
+#pragma once
+
+#include <new>
+
+#include "core/items/qv_item.h"
+
+// The vocabulary of item class headers. A class reads like the table of its parameters:
+//
+//   class qvi_matter : public qvi_shader {
+//     QV_ITEM_CLASS(qvi_matter, qvi_shader, "matter")
+//    public:
+//     enum class material_typology : int { heavy_structure, light_structure, … };
+//     QV_ENUM_LIST(material_typology, "heavy_structure", "light_structure", …)
+//
+//     QV_PARAM_ENUM(material_typology, typology, material_typology::other)
+//     QV_PARAM(float, conductivity, 0.0f, {.tolerance = 0.001f})   // W/(m·K)
+//   };
+//
+// and its source has one line, QV_ITEM_CLASS_IMPLEMENTATION(qvi_matter), beside its own logic.
+//
+// Each parameter line declares the parameter with its default when an item is constructed (in the
+// order of the lines, after the class's type is installed), keeps its handle, and gives get_X,
+// get_X_date and set_X. A copy made by the copy constructor takes the handles as they stand.
+
+/// Opens an item class: constructors, assignment, destructor, `copy`, and the registration of its
+/// type. The class goes on with public members.
+#define QV_ITEM_CLASS(class_name, base_name, item_type_name)                      \
+ public:                                                                          \
+  class_name();                                                                   \
+  class_name(const class_name&);                                                  \
+  class_name& operator=(const class_name&);                                       \
+  ~class_name() override;                                                         \
+  /** A new item of this class with default values; null when memory is short. */ \
+  ::qv::qv_item* copy() const override;                                           \
+                                                                                  \
+ private:                                                                         \
+  static inline ::qv::qv_item_type* type_record_ = nullptr;                       \
+  struct type_installer {                                                         \
+    explicit type_installer(class_name* item) {                                   \
+      item->template install_type<class_name>(type_record_, item_type_name);      \
+    }                                                                             \
+  };                                                                              \
+  [[no_unique_address]] type_installer type_installer_{this};                     \
+                                                                                  \
+ public:
+
+/// The constructors, assignment, destructor and `copy` of QV_ITEM_CLASS, for a class whose
+/// constructor has nothing to add.
+#define QV_ITEM_CLASS_IMPLEMENTATION(class_name) \
+  class_name::class_name() = default;            \
+  QV_ITEM_CLASS_COPYING(class_name)
+
+/// As QV_ITEM_CLASS_IMPLEMENTATION without the default constructor, for a class that writes its
+/// own.
+#define QV_ITEM_CLASS_COPYING(class_name)                         \
+  class_name::class_name(const class_name&) = default;            \
+  class_name& class_name::operator=(const class_name&) = default; \
+  class_name::~class_name() = default;                            \
+  ::qv::qv_item* class_name::copy() const {                       \
+    return ::qv::qv_new_item<class_name>();                       \
+  }
+
+/// The static label list of an enumeration: `get_<enum>_list()`, index 0 first, filled on the first
+/// call.
+#define QV_ENUM_LIST(enum_name, ...)                                  \
+  static const ::qv::qv_list<std::string>& get_##enum_name##_list() { \
+    static ::qv::qv_list<std::string> labels;                         \
+    if (labels.get_count() == 0)                                      \
+      for (const char* label : {__VA_ARGS__}) labels.append(label);   \
+    return labels;                                                    \
+  }
+
+/// What every parameter line has in common: accessors of type T over the parameter handle.
+#define QV_PARAM_ACCESSORS(T_, name)                                     \
+  ::qv::qv_param_traits<QV_UNPAREN T_>::result get_##name() const {      \
+    return ::qv::qv_param_traits<QV_UNPAREN T_>::get(*name##_param_);    \
+  }                                                                      \
+  unsigned int get_##name##_date() const {                               \
+    return name##_param_->get_date();                                    \
+  }                                                                      \
+  void set_##name(const std::type_identity_t<QV_UNPAREN T_>& value) {    \
+    this->template set_param_value<QV_UNPAREN T_>(name##_param_, value); \
+  }
+#define QV_UNPAREN(...) __VA_ARGS__
+
+/// A scalar, string, vector, colour or matrix parameter: QV_PARAM(float, psi, 0.0f[, {options}]).
+#define QV_PARAM(type, name, ...)                                                         \
+  QV_PARAM_ACCESSORS((type), name)                                                        \
+ private:                                                                                 \
+  ::qv::qv_param* name##_param_ = ::qv::qv_declare_param<type>(this, #name, __VA_ARGS__); \
+                                                                                          \
+ public:
+
+/// An enumeration parameter over an enumeration of the class: QV_PARAM_ENUM(wall_type, wall_type,
+/// wall_type::floor).
+#define QV_PARAM_ENUM(enum_name, name, default_value)                                         \
+  QV_PARAM_ACCESSORS((enum_name), name)                                                       \
+ private:                                                                                     \
+  ::qv::qv_param* name##_param_ =                                                             \
+      this->add_param_enum(#name, get_##enum_name##_list(), static_cast<int>(default_value)); \
+                                                                                              \
+ public:
+
+/// A list of enumeration values: QV_PARAM_ENUM_LIST(qvi_wall, contact_type, contact_types).
+#define QV_PARAM_ENUM_LIST(owner_class, enum_name, name)                       \
+  QV_PARAM_ACCESSORS((::qv::qv_list<owner_class::enum_name>), name)            \
+ private:                                                                      \
+  ::qv::qv_param* name##_param_ =                                              \
+      this->add_param_enum_list(#name, owner_class::get_##enum_name##_list()); \
+                                                                               \
+ public:
+
+/// A reference to another item, initially null: QV_PARAM_ITEM(qvi_building, building[, {options}]).
+#define QV_PARAM_ITEM(type, name, ...)                                                    \
+  QV_PARAM_ACCESSORS((type*), name)                                                       \
+ private:                                                                                 \
+  ::qv::qv_param* name##_param_ = this->add_param_item(#name __VA_OPT__(, ) __VA_ARGS__); \
+                                                                                          \
+ public:
+
+/// A list of references, initially empty: QV_PARAM_ITEM_LIST(qvi_matter, layers[, {options}]).
+#define QV_PARAM_ITEM_LIST(type, name, ...)                                                    \
+  QV_PARAM_ACCESSORS((::qv::qv_list<type*>), name)                                             \
+ private:                                                                                      \
+  ::qv::qv_param* name##_param_ = this->add_param_item_list(#name __VA_OPT__(, ) __VA_ARGS__); \
+                                                                                               \
+ public:
+
+/// A list of values (float, unsigned int, std::string or qv_3dvector), initially empty:
+/// QV_PARAM_LIST(float, floors[, {options}]).
+#define QV_PARAM_LIST(type, name, ...)                                     \
+  QV_PARAM_ACCESSORS((::qv::qv_list<type>), name)                          \
+ private:                                                                  \
+  ::qv::qv_param* name##_param_ =                                          \
+      ::qv::qv_declare_list<type>(this, #name __VA_OPT__(, ) __VA_ARGS__); \
+                                                                           \
+ public:
+
+namespace qv {
+
+/// A new item of class T with default values, or null when memory is short.
+template <class T>
+T* qv_new_item() {
+  try {
+    return new T;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+/// Declares a scalar parameter of `item` with the call that fits T.
+template <class T>
+qv_param* qv_declare_param(qv_item* item, const char* name, const std::type_identity_t<T>& value,
+                           const qv_param_options& options = {}) {
+  if constexpr (std::is_same_v<T, float>) {
+    return item->add_param_float(name, value, options);
+  } else if constexpr (std::is_same_v<T, int>) {
+    return item->add_param_int(name, value, options);
+  } else if constexpr (std::is_same_v<T, bool>) {
+    return item->add_param_bool(name, value, options);
+  } else if constexpr (std::is_same_v<T, std::string>) {
+    return item->add_param_string(name, value, options);
+  } else if constexpr (std::is_same_v<T, qv_3dvector>) {
+    return item->add_param_3dvector(name, value, options);
+  } else if constexpr (std::is_same_v<T, qv_color>) {
+    return item->add_param_color(name, value, options);
+  } else {
+    static_assert(std::is_same_v<T, qv_matrix>, "no parameter kind holds this type");
+    return item->add_param_matrix(name, options);
+  }
+}
+
+/// Declares a list parameter of `item` with the call that fits the element type.
+template <class T>
+qv_param* qv_declare_list(qv_item* item, const char* name, const qv_param_options& options = {}) {
+  if constexpr (std::is_same_v<T, float>) {
+    return item->add_param_float_list(name, options);
+  } else if constexpr (std::is_same_v<T, int>) {
+    return item->add_param_int_list(name, options);
+  } else if constexpr (std::is_same_v<T, unsigned int>) {
+    return item->add_param_unsigned_list(name, options);
+  } else if constexpr (std::is_same_v<T, std::string>) {
+    return item->add_param_string_list(name, options);
+  } else {
+    static_assert(std::is_same_v<T, qv_3dvector>, "no parameter kind holds a list of this type");
+    return item->add_param_3dvector_list(name, options);
+  }
+}
+
+}  // namespace qv

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "core/items/qv_accessors.h"
+#include "core/shapes/qv_spectrum.h"
+
+namespace qv {
+
+class qv_ray;
+
+/// What a surface looks like and does to radiation. Item type "shader".
+///
+/// For each of the three spectra a surface has four coefficients between 0 and 1: reflexion and
+/// transmission, each direct (as a mirror or a clear pane does) and diffuse (as matt paint or
+/// frosted glass does). What they leave of 1 is absorbed. Values are kept as they are given;
+/// nothing forces their sum to 1 or less.
+class qvi_shader : public qv_item {
+  QV_ITEM_CLASS(qvi_shader, qv_item, "shader")
+
+  /// Colour of the surface; an alpha below 1 shows what lies behind.
+  QV_PARAM(qv_color, diffuse_color, qv_color(0.8f, 0.8f, 0.8f, 1.0f))
+  /// Colour of its highlights.
+  QV_PARAM(qv_color, specular_color, qv_color(0.0f, 0.0f, 0.0f, 1.0f))
+  /// Sharpness of its highlights, the exponent of OpenGL's GL_SHININESS, 0 … 128.
+  QV_PARAM(float, shininess, 0.0f)
+
+  // One value per spectrum, index as in qv_spectrum: parameters "direct_reflexion",
+  // "direct_transmission", "diffuse_reflexion" and "diffuse_transmission", float lists of three.
+  // Default: diffuse reflexion 0.4, the others 0. An index outside the spectra reads 0 and sets
+  // nothing. An equal value stamps nothing.
+  float get_direct_reflexion(qv_spectrum spectrum) const;
+  float get_direct_transmission(qv_spectrum spectrum) const;
+  float get_diffuse_reflexion(qv_spectrum spectrum) const;
+  float get_diffuse_transmission(qv_spectrum spectrum) const;
+  void set_direct_reflexion(float value, qv_spectrum spectrum);
+  void set_direct_transmission(float value, qv_spectrum spectrum);
+  void set_diffuse_reflexion(float value, qv_spectrum spectrum);
+  void set_diffuse_transmission(float value, qv_spectrum spectrum);
+
+  /// Colour that a ray sees on this surface after its hit: the diffuse colour, its red, green and
+  /// blue weighted by the cosine between the ray and the surface normal; unweighted for a null ray.
+  virtual qv_color compute_color(qv_ray* ray);
+
+ private:
+  float get_coefficient(const qv_param* param, qv_spectrum spectrum) const;
+  void set_coefficient(qv_param* param, float value, qv_spectrum spectrum);
+
+  qv_param* direct_reflexion_param_;
+  qv_param* direct_transmission_param_;
+  qv_param* diffuse_reflexion_param_;
+  qv_param* diffuse_transmission_param_;
+};
+
+}  // namespace qv

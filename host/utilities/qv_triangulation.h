@@ -1,0 +1,24 @@
+#pragma once
+
+#include "utilities/qv_list.h"
+
+namespace qv {
+
+class qv_polygon;
+class qv_3dvector;
+
+/// A set of triangles: vertices and three vertex indices for each triangle.
+struct qv_triangulation {
+  qv_list<qv_3dvector> vertices;
+  qv_list<int> triangles;
+};
+
+/// Splits the region of `polygon` into triangles, counter-clockwise about its normal.
+///
+/// The polygon is normalised first (outer contours less the union of the holes); then the sum of
+/// the triangles' areas is the polygon's area to rounding. Vertices are the polygon's own, the same
+/// three floats, wherever contours do not cross. An empty polygon gives nothing. Every triangle has
+/// area.
+qv_triangulation qv_triangulate(const qv_polygon& polygon);
+
+}  // namespace qv
