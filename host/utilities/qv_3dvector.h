@@ -53,7 +53,7 @@ class qv_3dvector {
 
   /// Direction as two angles in degrees: `tilt` from the upward vertical (0 up, 90 horizontal, 180
   /// down) and `azimuth` counter-clockwise from +x, in (−180, 180]. A vertical vector has azimuth
-  /// 0; a zero vector has both angles 0.
+  /// 0; a zero vector, and one that is not finite, has both angles 0.
   void get_angles(float& azimuth, float& tilt) const;
 };
 

@@ -9,7 +9,7 @@ class qv_box {
  public:
   /// Empty.
   qv_box() = default;
-  /// The box between two opposite corners, in any order.
+  /// The box between two opposite corners, in any order; a corner that is not finite is left out.
   qv_box(const qv_3dvector& corner, const qv_3dvector& opposite_corner);
 
   bool is_empty() const { return empty_; }

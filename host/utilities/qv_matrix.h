@@ -14,7 +14,8 @@ class qv_matrix {
   qv_matrix();
 
   /// Turns by `degrees` about the axis with index `axis` (0 x, 1 y, 2 z), counter-clockwise seen
-  /// from the tip of the axis. Another index gives the identity. Multiples of 90° are exact.
+  /// from the tip of the axis. Another index, or an angle that is not finite, gives the identity.
+  /// Multiples of 90° are exact.
   static qv_matrix rotation(int axis, float degrees);
   /// Moves by `v`.
   static qv_matrix translation(const qv_3dvector& v);
@@ -33,14 +34,16 @@ class qv_matrix {
   qv_3dvector transform_point(const qv_3dvector& point) const;
   /// The direction turned and scaled, without translation.
   qv_3dvector transform_direction(const qv_3dvector& direction) const;
-  /// The unit normal of a surface after the transformation (inverse transpose; correct under
-  /// non-uniform scaling, and turned over by a mirror image). A singular matrix gives the zero
-  /// vector.
+  /// The unit normal of a surface after the transformation: the direction of the vector product of
+  /// two edges, once they are transformed (cofactor matrix). Correct under non-uniform scaling; a
+  /// mirror image turns it over against the inverse transpose, so that contours that ran
+  /// counter-clockwise about it still do. A singular matrix gives the zero vector.
   qv_3dvector transform_normal(const qv_3dvector& normal) const;
 
   /// Determinant of the upper-left 3 × 3 part; negative for a mirror image.
   float get_determinant() const;
-  /// The inverse; the identity when the matrix is singular.
+  /// The inverse placement (the last row counts as 0 0 0 1); the identity when the matrix is
+  /// singular.
   qv_matrix get_inverse() const;
 
  private:

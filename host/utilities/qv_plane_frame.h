@@ -6,10 +6,12 @@ namespace qv {
 
 /// A right-handed orthonormal frame (u, v, normal) of a plane, in double precision.
 ///
-/// Its axes depend on the normal alone; u is horizontal unless the plane itself is.
+/// Its axes depend on the normal alone. In a wall or a roof u is horizontal and v points up the
+/// slope; in a horizontal plane (tilt below 1e-4 rad) u lies along x.
 class qv_plane_frame {
  public:
-  /// A zero or non-finite normal makes an invalid frame.
+  /// A zero or non-finite normal, or a non-finite point, makes an invalid frame: its coordinates
+  /// mean nothing.
   qv_plane_frame(const qv_3dvector& point, const qv_3dvector& normal);
 
   bool is_valid() const { return valid_; }

@@ -11,7 +11,8 @@ namespace qv {
 /// Generator and mappings are written out here and do not depend on the standard library's
 /// distributions, which differ between implementations: PCG-XSH-RR with 64 bits of state (M. E.
 /// O'Neill, PCG: A Family of Simple Fast Space-Efficient Statistically Good Algorithms for Random
-/// Number Generation, 2014), seeded by the whole of `seed`.
+/// Number Generation, 2014), seeded by the whole of `seed`, so that neighbouring seeds give
+/// unrelated numbers.
 class qv_random {
  public:
   explicit qv_random(int seed);
