@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "core/items/qv_item_type.h"
@@ -196,10 +197,17 @@ class qv_item {
 
   qv_param* declare(const std::string& name, qv_param::param_type type,
                     const qv_list<std::string>* labels, const qv_param_options& options);
-  void stamp_ancestors(unsigned int date);
-  void set_scene_of_subtree(qv_scene* scene);
+  // This item and its ancestors were modified at `date`.
+  void stamp_upwards(unsigned int date);
+  // Out of the parent and the scene, dated and announced.
   void detach();
-  void forget_references_to_this();
+  int find_position_in_parent() const;
+  // No parameter and no source link refers to this item any more.
+  void release_referrers(const std::unordered_set<const qv_item*>& doomed);
+  // Frees items that have no parent outside the list, parents first in it.
+  static void free_items(const std::vector<qv_item*>& doomed);
+  // The subtree in depth-first order, this item first.
+  std::vector<qv_item*> list_subtree() const;
 
   qv_item_type* type_;
   std::string name_;

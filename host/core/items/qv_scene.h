@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <typeindex>
+#include <typeinfo>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -14,6 +15,7 @@
 namespace qv {
 
 class qv_raytracer;
+class qv_raytracing_layer;
 
 /// The root of a tree of items: everything of one model. Item type "scene".
 ///
@@ -27,6 +29,7 @@ class qv_scene : public qv_item {
   qv_scene& operator=(const qv_scene&) = delete;
   ~qv_scene() override;
 
+  /// An empty scene.
   qv_item* copy() const override;
 
   /// All items of the scene of this type or one that derives from it, depth first, parents before
@@ -80,11 +83,6 @@ class qv_scene : public qv_item {
   /// Draws every item of the scene.
   void render_opengl(bool selection) override;
 
- protected:
-  void item_added(qv_item* item) override;
-  void item_changed(qv_item* item, const std::string& name) override;
-  void item_removed(qv_item* item) override;
-
  private:
   friend class qv_item;
 
@@ -98,20 +96,26 @@ class qv_scene : public qv_item {
     std::unordered_map<std::string, unsigned int> by_param;
   };
 
-  static qv_item_type* scene_type();
+  // Bookkeeping of an added subtree, of one about to be removed, and of a changed parameter.
   void arrive(qv_item* root);
   void leave(qv_item* root);
-  void note_membership(const qv_item_type* type, unsigned int date);
+  void note_change(qv_item* item, const std::string& name, unsigned int date);
+
+  type_changes& get_changes(const qv_item_type* type);
   bool is_at_end(const qv_item* root) const;
+  void index_arrival(qv_item* item, bool at_end);
+  void index_departure(qv_item* item);
   void renumber();
+  qv_item* bring_along(qv_item* item, bool compare_names, bool record,
+                       std::unordered_map<qv_item*, qv_item*>& brought);
 
   std::unordered_map<std::string, type_index_entry> items_by_type_;
   std::vector<type_changes> changes_;  // by type index
   std::vector<std::unique_ptr<qv_scene_observer>> observers_;
   std::unordered_map<std::type_index, qv_scene_observer*> observers_by_class_;
-  std::map<std::string, qv_scene_observer*> raytracing_layers_;
+  std::map<std::string, qv_raytracing_layer*> raytracing_layers_;
   std::unordered_set<qv_item*> left_during_pass_;
-  int running_passes_ = 0;
+  bool precomputing_ = false;
   unsigned int last_order_ = 0;
   unsigned int precomputed_date_ = 0;
   qv_item* selected_item_ = nullptr;

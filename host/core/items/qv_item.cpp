@@ -1,0 +1,393 @@
+#include "core/items/qv_item.h"
+
+#include <algorithm>
+
+#include "core/items/qv_accessors.h"
+#include "core/items/qv_param_store.h"
+#include "core/items/qv_scene.h"
+#include "utilities/qv_date.h"
+#include "utilities/qv_uuid.h"
+
+namespace qv {
+
+namespace {
+
+qv_item_type* get_root_type() {
+  static auto* const type = new qv_item_type("item", nullptr);
+  return type;
+}
+
+}  // namespace
+
+// --- construction ---
+
+qv_item::qv_item()
+    : type_(get_root_type()),
+      params_(std::make_shared<qv_param_store>(this)),
+      date_(qv_get_new_date()),
+      local_date_(date_) {
+  if (type_->get_sample() == nullptr) {
+    type_->set_sample(this);  // ends the recursion of the next line
+    type_->set_sample(new qv_item);
+  }
+}
+
+qv_item::qv_item(const qv_item& other)
+    : type_(other.type_),
+      name_(other.name_),
+      params_(other.params_),
+      date_(qv_get_new_date()),
+      local_date_(date_) {}
+
+qv_item& qv_item::operator=(const qv_item& other) {
+  if (this == &other) return *this;
+  if (params_ != other.params_ && params_->get_owner() == this) params_->orphan();
+  type_ = other.type_;
+  name_ = other.name_;
+  params_ = other.params_;
+  local_date_ = qv_get_new_date();
+  stamp_upwards(local_date_);
+  return *this;
+}
+
+qv_item::~qv_item() {
+  if (parent_ != nullptr) detach();
+  if (!children_.is_empty()) {
+    std::vector<qv_item*> doomed = list_subtree();
+    doomed.erase(doomed.begin());
+    children_.clear();
+    free_items(doomed);
+  }
+  if (params_->get_owner() == this) params_->orphan();
+  set_source(nullptr);
+  if (referrers_ != nullptr) release_referrers({this});
+}
+
+qv_item* qv_item::copy() const {
+  return qv_new_item<qv_item>();
+}
+
+void qv_item::precompute() {}
+
+qv_box qv_item::get_local_bounding_box() {
+  return {};
+}
+
+void qv_item::render_opengl(bool) {}
+void qv_item::render_opengl_raw() {}
+void qv_item::render_opengl_contour_raw() {}
+
+// --- parameters ---
+
+qv_param* qv_item::declare(const std::string& name, qv_param::param_type type,
+                           const qv_list<std::string>* labels, const qv_param_options& options) {
+  if (qv_param* known = params_->find(name)) return known;
+  return params_->add(qv_param_declaration::get(name, type, labels, options), local_date_);
+}
+
+qv_param* qv_item::add_param_float(const std::string& name, float value,
+                                   const qv_param_options& options) {
+  qv_param* param = declare(name, qv_param::type_float, nullptr, options);
+  param->store_float(value);
+  return param;
+}
+
+qv_param* qv_item::add_param_int(const std::string& name, int value,
+                                 const qv_param_options& options) {
+  qv_param* param = declare(name, qv_param::type_int, nullptr, options);
+  param->store_int(value);
+  return param;
+}
+
+qv_param* qv_item::add_param_bool(const std::string& name, bool value,
+                                  const qv_param_options& options) {
+  qv_param* param = declare(name, qv_param::type_bool, nullptr, options);
+  param->store_bool(value);
+  return param;
+}
+
+qv_param* qv_item::add_param_enum(const std::string& name, const qv_list<std::string>& labels,
+                                  int value, const qv_param_options& options) {
+  qv_param* param = declare(name, qv_param::type_enum, &labels, options);
+  param->store_int(value);
+  return param;
+}
+
+qv_param* qv_item::add_param_string(const std::string& name, const std::string& value,
+                                    const qv_param_options& options) {
+  qv_param* param = declare(name, qv_param::type_string, nullptr, options);
+  param->store_string(value);
+  return param;
+}
+
+qv_param* qv_item::add_param_3dvector(const std::string& name, const qv_3dvector& value,
+                                      const qv_param_options& options) {
+  qv_param* param = declare(name, qv_param::type_3dvector, nullptr, options);
+  param->store_3dvector(value);
+  return param;
+}
+
+qv_param* qv_item::add_param_color(const std::string& name, const qv_color& value,
+                                   const qv_param_options& options) {
+  qv_param* param = declare(name, qv_param::type_color, nullptr, options);
+  param->store_color(value);
+  return param;
+}
+
+qv_param* qv_item::add_param_matrix(const std::string& name, const qv_param_options& options) {
+  return declare(name, qv_param::type_matrix, nullptr, options);
+}
+
+qv_param* qv_item::add_param_item(const std::string& name, const qv_param_options& options) {
+  return declare(name, qv_param::type_item, nullptr, options);
+}
+
+qv_param* qv_item::add_param_item_list(const std::string& name, const qv_param_options& options) {
+  return declare(name, qv_param::type_item_list, nullptr, options);
+}
+
+qv_param* qv_item::add_param_float_list(const std::string& name, const qv_param_options& options) {
+  return declare(name, qv_param::type_float_list, nullptr, options);
+}
+
+qv_param* qv_item::add_param_int_list(const std::string& name, const qv_param_options& options) {
+  return declare(name, qv_param::type_int_list, nullptr, options);
+}
+
+qv_param* qv_item::add_param_unsigned_list(const std::string& name,
+                                           const qv_param_options& options) {
+  return declare(name, qv_param::type_unsigned_list, nullptr, options);
+}
+
+qv_param* qv_item::add_param_enum_list(const std::string& name, const qv_list<std::string>& labels,
+                                       const qv_param_options& options) {
+  return declare(name, qv_param::type_enum_list, &labels, options);
+}
+
+qv_param* qv_item::add_param_string_list(const std::string& name, const qv_param_options& options) {
+  return declare(name, qv_param::type_string_list, nullptr, options);
+}
+
+qv_param* qv_item::add_param_3dvector_list(const std::string& name,
+                                           const qv_param_options& options) {
+  return declare(name, qv_param::type_3dvector_list, nullptr, options);
+}
+
+int qv_item::get_param_count() const {
+  return params_->get_count();
+}
+qv_param* qv_item::get_param(int index) const {
+  return params_->get(index);
+}
+qv_param* qv_item::find_param(const std::string& name) const {
+  return params_->find(name);
+}
+
+// --- identity ---
+
+void qv_item::set_name(const std::string& name) {
+  if (name_ == name) return;
+  qv_get_new_date();
+  name_ = name;
+  item_changed(this, "name");
+}
+
+const std::string& qv_item::get_unique_id() const {
+  if (unique_id_.empty()) unique_id_ = qv_uuid();
+  return unique_id_;
+}
+
+void qv_item::set_unique_id(const std::string& id) {
+  if (unique_id_ == id) return;
+  qv_get_new_date();
+  unique_id_ = id;
+  item_changed(this, "unique_id");
+}
+
+// --- notifications ---
+
+void qv_item::item_added(qv_item* item) {
+  if (parent_ != nullptr) parent_->item_added(item);
+}
+
+void qv_item::item_changed(qv_item* item, const std::string& name) {
+  if (item == this) {
+    local_date_ = qv_get_date();
+    stamp_upwards(local_date_);
+    if (scene_ != nullptr) scene_->note_change(this, name, local_date_);
+  }
+  if (parent_ != nullptr) parent_->item_changed(item, name);
+}
+
+void qv_item::item_removed(qv_item* item) {
+  if (parent_ != nullptr) parent_->item_removed(item);
+}
+
+void qv_item::stamp_upwards(unsigned int date) {
+  for (qv_item* item = this; item != nullptr; item = item->parent_) item->date_ = date;
+}
+
+// --- tree ---
+
+void qv_item::set_source(qv_item* source) {
+  if (source == source_) return;
+  if (source_ != nullptr && source_->referrers_ != nullptr) {
+    std::vector<qv_item*>& derived = source_->referrers_->derived;
+    const auto found = std::find(derived.rbegin(), derived.rend(), this);
+    if (found != derived.rend()) {
+      *found = derived.back();
+      derived.pop_back();
+    }
+  }
+  source_ = source;
+  if (source_ == nullptr) return;
+  if (source_->referrers_ == nullptr) source_->referrers_ = std::make_unique<referrers>();
+  source_->referrers_->derived.push_back(this);
+}
+
+void qv_item::add_child(qv_item* item, int index) {
+  if (item == nullptr || item == this || item->scene_ == item) return;
+  if (!item->children_.is_empty()) {
+    for (const qv_item* above = parent_; above != nullptr; above = above->parent_) {
+      if (above == item) return;
+    }
+  }
+  if (item->parent_ != nullptr) item->detach();
+
+  const int count = children_.get_count();
+  children_.append(item);
+  if (index >= 0 && index < count) {
+    std::rotate(children_.begin() + index, children_.end() - 1, children_.end());
+    item->position_ = index;
+  } else {
+    item->position_ = count;
+  }
+  item->parent_ = this;
+  stamp_upwards(qv_get_new_date());
+  if (scene_ != nullptr) scene_->arrive(item);
+  item_added(item);
+}
+
+void qv_item::remove() {
+  if (parent_ != nullptr) detach();
+}
+
+void qv_item::detach() {
+  qv_item* const parent = parent_;
+  if (scene_ != nullptr) scene_->leave(this);
+  const int position = find_position_in_parent();
+  qv_list<qv_item*>& siblings = parent->children_;
+  std::move(siblings.begin() + position + 1, siblings.end(), siblings.begin() + position);
+  siblings.resize(siblings.get_count() - 1);
+  parent_ = nullptr;
+  parent->stamp_upwards(qv_get_new_date());
+  parent->item_removed(this);
+}
+
+int qv_item::find_position_in_parent() const {
+  // Additions and removals before this item shift it by a few places: look around its last known
+  // place.
+  const qv_list<qv_item*>& siblings = parent_->children_;
+  const int count = siblings.get_count();
+  for (int distance = 0; distance <= count; ++distance) {
+    for (const int position : {position_ - distance, position_ + distance}) {
+      if (position >= 0 && position < count && siblings[position] == this) return position;
+    }
+  }
+  return siblings.find(const_cast<qv_item*>(this));
+}
+
+std::vector<qv_item*> qv_item::list_subtree() const {
+  std::vector<qv_item*> subtree;
+  std::vector<qv_item*> pending{const_cast<qv_item*>(this)};
+  while (!pending.empty()) {
+    qv_item* item = pending.back();
+    pending.pop_back();
+    subtree.push_back(item);
+    for (int i = item->children_.get_count() - 1; i >= 0; --i)
+      pending.push_back(item->children_[i]);
+  }
+  return subtree;
+}
+
+qv_list<qv_item*> qv_item::collect(const std::string& type_name) const {
+  qv_list<qv_item*> found;
+  const qv_item_type* const type = qv_item_type::find(type_name);
+  if (type == nullptr) return found;
+  if (children_.is_empty()) {
+    if (type_->derives_from(type)) found.append(const_cast<qv_item*>(this));
+    return found;
+  }
+  for (qv_item* item : list_subtree()) {
+    if (item->type_->derives_from(type)) found.append(item);
+  }
+  return found;
+}
+
+void qv_item::destroy(qv_item* item) {
+  if (item == nullptr) return;
+  item->remove();
+  free_items(item->list_subtree());
+}
+
+void qv_item::free_items(const std::vector<qv_item*>& doomed) {
+  const std::unordered_set<const qv_item*> set(doomed.begin(), doomed.end());
+  for (qv_item* item : doomed) item->release_referrers(set);
+  for (auto item = doomed.rbegin(); item != doomed.rend(); ++item) {
+    (*item)->children_.clear();
+    (*item)->parent_ = nullptr;
+    (*item)->scene_ = nullptr;
+    delete *item;
+  }
+}
+
+void qv_item::release_referrers(const std::unordered_set<const qv_item*>& doomed) {
+  if (referrers_ == nullptr) return;
+  while (!referrers_->params.empty()) {
+    qv_param* const param = referrers_->params.back();
+    qv_item* const owner = param->get_owner();
+    const bool announced = owner != nullptr && doomed.find(owner) == doomed.end();
+    if (announced) param->set_date(qv_get_new_date());
+    param->forget(this);
+    if (announced) owner->item_changed(owner, param->get_name());
+  }
+  for (qv_item* derived : referrers_->derived) derived->source_ = nullptr;
+  referrers_.reset();
+}
+
+// --- view ---
+
+const qv_box& qv_item::get_bounding_box() {
+  // Stale boxes, parents first: a box that is still right stops the descent.
+  std::vector<qv_item*> stale;
+  std::vector<qv_item*> pending{this};
+  while (!pending.empty()) {
+    qv_item* item = pending.back();
+    pending.pop_back();
+    if (item->box_ != nullptr && item->box_->date >= item->date_) continue;
+    stale.push_back(item);
+    for (qv_item* child : item->children_) pending.push_back(child);
+  }
+  for (auto item = stale.rbegin(); item != stale.rend(); ++item) {
+    const unsigned int date = (*item)->date_;
+    qv_box box = (*item)->get_local_bounding_box();
+    for (const qv_item* child : (*item)->children_) {
+      if (child->box_ != nullptr) box.enlarge(child->box_->box);
+    }
+    if ((*item)->box_ == nullptr) (*item)->box_ = std::make_unique<box_cache>();
+    *(*item)->box_ = {date, box};
+  }
+  return box_->box;
+}
+
+void qv_item::set_selected(bool selected) {
+  selected_ = selected;
+  if (scene_ == nullptr) return;
+  if (selected) {
+    scene_->selected_item_ = this;
+  } else if (scene_->selected_item_ == this) {
+    scene_->selected_item_ = nullptr;
+  }
+}
+
+}  // namespace qv
