@@ -1,0 +1,7 @@
+#include "bim/envelope/qvi_connexion.h"
+
+namespace qv {
+
+QV_ITEM_CLASS_IMPLEMENTATION(qvi_connexion)
+
+}  // namespace qv

@@ -1,0 +1,7 @@
+#include "bim/envelope/qvi_wall.h"
+
+namespace qv {
+
+QV_ITEM_CLASS_IMPLEMENTATION(qvi_wall)
+
+}  // namespace qv

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <memory>
+
+#include "bim/envelope/qv_solar_income.h"
+#include "core/items/qv_accessors.h"
+#include "utilities/qv_polygon.h"
+
+namespace qv {
+
+class qvi_composition;
+class qvi_limit_condition;
+class qvi_opening;
+class qvi_polygon;
+class qvi_space;
+
+/// One plane element of the envelope or of a partition: a façade, an inner wall, a floor, a roof.
+/// Item type "wall".
+///
+/// It joins at most two spaces and carries a layered composition. Its geometry lies in polygons
+/// that it refers to: a face on either side, each also as a "pierced" one with the openings cut
+/// out. A thin wall has a single "face" instead.
+class qvi_wall : public qv_item, public qv_solar_income {
+  QV_ITEM_CLASS(qvi_wall, qv_item, "wall")
+
+  enum class wall_type : int { wall, floor, roof };
+  QV_ENUM_LIST(wall_type, "wall", "floor", "roof")
+
+  /// What a wall separates.
+  enum class contact_type : int {
+    outer_wall,          ///< wall between one space and outside
+    inner_wall,          ///< wall between two spaces
+    lower_floor,         ///< floor of a space over ground or outside
+    intermediate_floor,  ///< floor between two spaces
+    roof,                ///< roof or ceiling of a space under outside
+    outside_wall,        ///< wall that bounds no space
+    outside_slab         ///< slab that bounds no space
+  };
+  QV_ENUM_LIST(contact_type, "outer_wall", "inner_wall", "lower_floor", "intermediate_floor",
+               "roof", "outside_wall", "outside_slab")
+
+  /// Identifiers of the imported elements that the wall was built from.
+  QV_PARAM_LIST(std::string, source_ids)
+  QV_PARAM_ENUM(wall_type, wall_type, wall_type::floor)
+  /// Derived by `precompute`.
+  QV_PARAM_ENUM(contact_type, contact_type, contact_type::lower_floor)
+  /// The space on the side opposite to the normal.
+  QV_PARAM_ITEM(qvi_space, space_0)
+  /// The space on the other side; null for an element of the envelope.
+  QV_PARAM_ITEM(qvi_space, space_1)
+  QV_PARAM_ITEM(qvi_composition, composition)
+  /// The composition is laid from the other side.
+  QV_PARAM(bool, composition_reverse, false)
+  /// What lies on the far side where that is neither outside air nor a modelled space.
+  QV_PARAM_ITEM(qvi_limit_condition, limit_condition)
+  /// Outward normal, of length 1.
+  QV_PARAM(qv_3dvector, normal, qv_3dvector(0.0f, 0.0f, 1.0f))
+  /// The single face of a thin wall.
+  QV_PARAM_ITEM(qvi_polygon, face)
+  QV_PARAM_ITEM(qvi_polygon, pierced_face)
+  /// The face on the side of space 0.
+  QV_PARAM_ITEM(qvi_polygon, face_0)
+  QV_PARAM_ITEM(qvi_polygon, pierced_face_0)
+  /// The face on the side of space 1 or of the outside.
+  QV_PARAM_ITEM(qvi_polygon, face_1)
+  QV_PARAM_ITEM(qvi_polygon, pierced_face_1)
+
+  // Found by the last `precompute`; empty and 0 before.
+
+  /// The openings that name this wall, in scene order.
+  const qv_list<qvi_opening*>& get_openings() const { return record_->openings; }
+  /// Area through which the wall loses heat, openings cut out, m².
+  float get_loss_area() const { return record_->loss_area; }
+
+ private:
+  // A copy-constructed wall shares its source's record.
+  struct record {
+    unsigned int date = 0;  // of the last complete computation; 0 never
+    qv_polygon loss_polygon;
+    float loss_area = 0;
+    qv_list<qvi_opening*> openings;
+  };
+  std::shared_ptr<record> record_ = std::make_shared<record>();
+};
+
+}  // namespace qv

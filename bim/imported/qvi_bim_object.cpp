@@ -1,0 +1,7 @@
+#include "bim/imported/qvi_bim_object.h"
+
+namespace qv {
+
+QV_ITEM_CLASS_IMPLEMENTATION(qvi_bim_object)
+
+}  // namespace qv
