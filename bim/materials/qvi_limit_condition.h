@@ -29,6 +29,17 @@ class qvi_limit_condition : public qv_item {
   QV_PARAM(float, b_coefficient, 5.0f)
   /// Temperature held on the far side, °C.
   QV_PARAM(float, temperature, 19.0f)
+
+  /// Rests the lowest floors of the scene on the ground: the walls of contact type `lower_floor`
+  /// whose lowest point lies less than 1.8 m above the lowest of them get the scene's first soil
+  /// condition, made with the name "Soil" when there is none. Higher lower floors (over a passage
+  /// or outside air) and all other walls lose whatever condition they had. Ends with the scene's
+  /// `precompute`.
+  ///
+  /// Takes the walls' contact types as they stand; a wall that is not yet precomputed may bear a
+  /// wrong one. A lower floor without any geometry below it has no height: it is not lowest and
+  /// gets no condition. A null scene is ignored.
+  static void default_limit_conditions(qv_scene* scene);
 };
 
 }  // namespace qv

@@ -10,6 +10,9 @@ namespace qv {
 /// A composition that uses a material as a layer takes thickness and resistance from the material.
 /// The two are independent: a resistance is what the maker declares, and nothing derives it from
 /// thickness and conductivity.
+///
+/// Two materials are similar when they are so as matters and their resistances and thicknesses
+/// differ by at most 0.001.
 class qvi_material : public qvi_matter {
   QV_ITEM_CLASS(qvi_material, qvi_matter, "material")
 
@@ -17,6 +20,9 @@ class qvi_material : public qvi_matter {
   QV_PARAM(float, resistance, 0.0f, {.tolerance = 0.001f})
   /// m.
   QV_PARAM(float, thickness, 0.0f, {.tolerance = 0.001f})
+
+  /// As a matter's, with thickness and resistance after the typology.
+  std::string get_html_information() override;
 };
 
 }  // namespace qv

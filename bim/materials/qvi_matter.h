@@ -13,6 +13,10 @@ namespace qv {
 ///
 /// A new matter is a light grey, matt surface: colour 0.8, diffuse reflexion 0.4 in every spectrum,
 /// no other reflexion and no transmission.
+///
+/// Two matters are similar (`is_similar_to`) when everything is equal but for small differences of
+/// conductivity (up to 0.001 W/(m·K)), density (up to 1 kg/m³) and specific heat (up to 1
+/// J/(kg·K)).
 class qvi_matter : public qvi_shader {
   QV_ITEM_CLASS(qvi_matter, qvi_shader, "matter")
 
@@ -35,6 +39,20 @@ class qvi_matter : public qvi_shader {
   QV_PARAM(float, density, 0.0f, {.tolerance = 1.0f})
   /// Specific heat capacity, J/(kg·K).
   QV_PARAM(float, specific_heat, 0.0f, {.tolerance = 1.0f})
+
+  /// Number of compositions of the scene with this very matter among their layers, each counted
+  /// once. 0 without a scene.
+  virtual int get_composition_count();
+
+  /// Typology, conductivity, specific heat, density, and the diffuse reflexion of the three spectra
+  /// as albedo, visible reflectance and thermal emissivity.
+  std::string get_html_information() override;
+
+ protected:
+  // The panel's first rows (title and typology) and its last (physical properties and surface),
+  // between which a product shows its own.
+  std::string get_panel_head();
+  std::string get_panel_tail();
 };
 
 }  // namespace qv
