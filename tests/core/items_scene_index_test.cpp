@@ -32,11 +32,14 @@ items referrers_by_scanning(const qv_scene& scene, const std::string& type,
                             const std::string& param_name, const qv_item* target) {
   items found;
   for (qv_item* item : items_by_walking(scene, type)) {
-    const qv_param* param = item->find_param(param_name);
-    if (param == nullptr) continue;
-    if (param->get_item() == target ||
-        param->get_item_list().contains(const_cast<qv_item*>(target)))
-      found.push_back(item);
+    bool refers = false;
+    for (int i = 0; i < item->get_param_count(); ++i) {
+      const qv_param* param = item->get_param(i);
+      if (!param_name.empty() && param->get_name() != param_name) continue;
+      refers = refers || param->get_item() == target ||
+               param->get_item_list().contains(const_cast<qv_item*>(target));
+    }
+    if (refers) found.push_back(item);
   }
   return found;
 }
@@ -78,7 +81,7 @@ class random_edits {
     for (const char* type : {"test_probe", "test_derived_probe", "item"}) {
       ASSERT_EQ(to_vector(scene_.get_items(type)), items_by_walking(scene_, type)) << type;
       for (const qv_item* target : all_)
-        for (const char* param : {"link", "links"})
+        for (const char* param : {"link", "links", ""})
           ASSERT_EQ(to_vector(scene_.get_referrers(type, param, target)),
                     referrers_by_scanning(scene_, type, param, target))
               << type << '.' << param;
@@ -166,6 +169,18 @@ TEST(items_scene_index, counts_a_referrer_once) {
   holder->set_links({target, target, target});
   EXPECT_EQ(to_vector(scene.get_referrers("test_probe", "links", target)), items{holder});
   EXPECT_EQ(scene.get_referrers("test_probe", "link", target).get_count(), 0);
+}
+
+TEST(items_scene_index, finds_referrers_through_any_parameter_when_none_is_named) {
+  qv_scene scene;
+  auto* target = new probe_item;
+  auto* by_list = new probe_item;
+  auto* by_both = new probe_item;
+  for (probe_item* item : {target, by_list, by_both}) scene.add_child(item, -1);
+  by_both->set_link(target);
+  by_both->set_links({target});
+  by_list->set_links({target});
+  EXPECT_EQ(to_vector(scene.get_referrers("test_probe", "", target)), (items{by_list, by_both}));
 }
 
 TEST(items_scene_index, does_not_count_referrers_outside_the_scene) {

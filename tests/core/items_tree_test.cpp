@@ -142,7 +142,9 @@ TEST(items_tree, knows_its_type_and_the_types_above_it) {
 TEST(items_tree, keeps_its_identifier_unlike_any_other) {
   probe_item a;
   probe_item b;
+  EXPECT_FALSE(a.has_unique_id());
   const std::string id = a.get_unique_id();
+  EXPECT_TRUE(a.has_unique_id());
   EXPECT_FALSE(id.empty());
   EXPECT_EQ(a.get_unique_id(), id);
   EXPECT_NE(b.get_unique_id(), id);

@@ -122,6 +122,8 @@ class qv_item {
   void set_name(const std::string& name);
   /// Given at the first call, random and unlike any other, and kept.
   const std::string& get_unique_id() const;
+  /// True when an id was given already; asking gives none.
+  bool has_unique_id() const { return !unique_id_.empty(); }
   void set_unique_id(const std::string& id);
   qv_item_type* get_item_type() const { return type_; }
   /// True for the name of the item's type and of each type above it.

@@ -98,7 +98,8 @@ qv_list<qv_item*> qv_scene::get_referrers(const std::string& type_name,
   for (const qv_param* param : item->referrers_->params) {
     qv_item* const owner = param->get_owner();
     if (owner == nullptr || owner->scene_ != this || owner == this) continue;
-    if (param->get_name() != param_name || !owner->type_->derives_from(type)) continue;
+    if (!param_name.empty() && param->get_name() != param_name) continue;
+    if (!owner->type_->derives_from(type)) continue;
     ordered = ordered && owner->order_ != 0;
     found.append(owner);
   }

@@ -38,7 +38,8 @@ class qv_scene : public qv_item {
   const qv_list<qv_item*>& get_items(const std::string& type_name);
 
   /// The items of type `type_name` whose parameter `param_name` (an item or a list of items) refers
-  /// to `item`, each once, in scene order. Time proportional to the number of references to `item`.
+  /// to `item`, any such parameter when `param_name` is empty, each once, in scene order. Time
+  /// proportional to the number of references to `item`.
   qv_list<qv_item*> get_referrers(const std::string& type_name, const std::string& param_name,
                                   const qv_item* item);
 
