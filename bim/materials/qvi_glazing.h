@@ -23,6 +23,16 @@ class qvi_glazing : public qvi_opening_shader {
   /// From the outside (first) to the inside (last).
   QV_PARAM_ITEM_LIST(qvi_glazing_layer, layers)
 
+  /// Computes everything below from the layers, by the rules of EN 673 and EN 410, and gives the
+  /// shader its coefficients and colour. There is no up-to-date test: each call computes. Panes and
+  /// gaps are precomputed first. An empty stack lets everything through (U of its two surface
+  /// resistances alone).
+  ///
+  /// The emissivity of the pane behind a gap is read from its back face like that of the pane
+  /// before it. A secondary heat gain is added for one, two or three panes about plain gaps; the
+  /// solar factor of any other stack is its solar transmittance.
+  void precompute() override;
+
   // Results of the last `precompute`; 0 before. Fractions are between 0 and 1; "front" is seen from
   // the outside, "back" from the room.
 
@@ -39,7 +49,27 @@ class qvi_glazing : public qvi_opening_shader {
   float get_visible_reflectance_front() const { return results_->visible_reflectance_front; }
   float get_visible_reflectance_back() const { return results_->visible_reflectance_back; }
 
+  /// Number of gas gaps.
+  int get_nb_gaz_layers() const;
+  /// Rank of a gap among the gaps from 0; for any other layer, the number of gaps before it. −1
+  /// when `layer` is not in the stack.
+  int get_gaz_index(const qvi_glazing_layer* layer) const;
+  /// Number of panes proper (films and photovoltaic layers left out) in a group, the gaps splitting
+  /// the stack into groups from 0.
+  int get_nb_glass_layers(int group) const;
+  /// Direct solar transmittance of the first `count` layers; 1 when `count` is less than 1.
+  float compute_solar_transmittance(int count);
+
+  /// Repairs the stack: a pane before, between and after the gaps, and one photovoltaic layer with
+  /// `with_pv`, none without. A missing pane is a full copy of the pane before it, or a default
+  /// one; what is added is a child of the glazing, a photovoltaic layer too many is destroyed.
+  /// Returns whether anything changed. Nothing calls it unasked.
+  bool check_glazing(bool with_pv);
+
  private:
+  void set_shader_from_results();
+  qv_color blend_layer_colors() const;
+
   // A copy-constructed glazing shares its source's results.
   struct glazing_results {
     float solar_transmittance = 0;

@@ -23,6 +23,15 @@ class qvi_glazing_gaz : public qvi_glazing_layer {
   QV_PARAM(float, specific_heat, 0.0f)
   /// Density, kg/m³.
   QV_PARAM(float, volumic_mass, 0.0f)
+
+  /// Sets conductivity, viscosity, specific heat and density after the gas, or after the fractions
+  /// of a mixture, once each time one of these changed. Fractions are brought to a sum of 1 (the
+  /// parameter keeps what was given); fractions that add up to 0 are air. Properties mix linearly.
+  /// A gas given by hand is left alone.
+  void precompute() override;
+
+ private:
+  unsigned int computed_date_ = 0;  // 0 never
 };
 
 }  // namespace qv

@@ -30,6 +30,13 @@ class qvi_glazing_glass : public qvi_glazing_layer {
   QV_PARAM(float, thermal_transmittance, 0.8f)
   QV_PARAM(float, thermal_emissivity_front, 0.2f)
   QV_PARAM(float, thermal_emissivity_back, 0.2f)
+
+  /// Becomes the single pane, 6 mm thick, that shows the three figures of a data sheet: `U` in
+  /// W/(m²·K), the total solar energy transmittance `g` and the light transmittance. Reflectances
+  /// become 0.2, both emissivities 0.89; the solar transmittance is g less what the pane absorbs
+  /// and gives off inwards, the conductivity what U leaves for the pane (a resistance of at least
+  /// 0.001 m²·K/W).
+  void build_from_global_data(float U, float g, float light_transmittance);
 };
 
 }  // namespace qv
