@@ -67,7 +67,7 @@ class qv_list {
   void reserve(int capacity) {
     if (capacity <= capacity_) return;
     T* grown = new T[capacity];
-    std::move(elements_, elements_ + count_, grown);
+    if (elements_ != nullptr) std::move(elements_, elements_ + count_, grown);
     delete[] elements_;
     elements_ = grown;
     capacity_ = capacity;
