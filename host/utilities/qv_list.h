@@ -65,9 +65,9 @@ class qv_list {
   }
   /// Makes room for `capacity` elements; never shrinks.
   void reserve(int capacity) {
-    if (capacity <= capacity_) return;
+    if (capacity <= capacity_ || capacity <= 0) return;
     T* grown = new T[capacity];
-    if (elements_ != nullptr) std::move(elements_, elements_ + count_, grown);
+    std::move(elements_, elements_ + count_, grown);
     delete[] elements_;
     elements_ = grown;
     capacity_ = capacity;
