@@ -17,6 +17,9 @@ inline constexpr double sliver_width = 1e-5;
 inline constexpr double vertex_snap = 2e-5;
 /// m; consecutive contour points closer than this are one point.
 inline constexpr double repeated_point = 1e-6;
+/// m; a vertex closer than this to a plane lies in it (far from the origin, where single precision
+/// is coarser, a few times the distance of neighbouring floats).
+inline constexpr double plane_distance = 1e-4;
 /// m; coordinates beyond this are not geometry, they count as not finite.
 inline constexpr double largest_coordinate = 1e7;
 

@@ -1,0 +1,162 @@
+#include "utilities/qv_plane_projection.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "utilities/qv_tolerances.h"
+
+namespace qv::plane {
+
+namespace {
+
+// Steps between neighbouring floats by which the coordinates of a vertex in a plane may miss it.
+constexpr double float_steps_off_plane = 4;
+
+bool is_geometry(const qv_3dvector& v) {
+  return std::fabs(v.x) <= tolerance::largest_coordinate &&
+         std::fabs(v.y) <= tolerance::largest_coordinate &&
+         std::fabs(v.z) <= tolerance::largest_coordinate;
+}
+
+qv_3dvector get_origin(const qv_polygon& receiver) {
+  for (const qv_3dvector& vertex : receiver.get_contour_vertices())
+    if (is_geometry(vertex)) return vertex;
+  return receiver.get_point();
+}
+
+bool is_repeated(const point& p, const point& q) {
+  return std::hypot(p.a - q.a, p.b - q.b) < tolerance::repeated_point;
+}
+
+bool is_before(const point& p, const point& q) {
+  if (p.a != q.a) return p.a < q.a;
+  if (p.b != q.b) return p.b < q.b;
+  return p.source < q.source;
+}
+
+// The nearest of `known`, which is sorted, within the tolerance; the lowest source among equals.
+int find_source(const std::vector<point>& known, const point& p) {
+  const auto exact = std::lower_bound(known.begin(), known.end(), point{p.a, p.b, -1}, is_before);
+  if (exact != known.end() && exact->a == p.a && exact->b == p.b) return exact->source;
+  constexpr double lowest = -std::numeric_limits<double>::infinity();
+  double nearest = tolerance::vertex_snap;
+  int source = -1;
+  for (auto candidate = std::lower_bound(known.begin(), known.end(),
+                                         point{p.a - nearest, lowest, -1}, is_before);
+       candidate != known.end() && candidate->a <= p.a + tolerance::vertex_snap; ++candidate) {
+    const double distance = std::hypot(candidate->a - p.a, candidate->b - p.b);
+    if (distance < nearest || (distance == nearest && candidate->source < source)) {
+      nearest = distance;
+      source = candidate->source;
+    }
+  }
+  return source;
+}
+
+template <class Function>
+void for_each_point(region& pieces, Function function) {
+  for (part& piece : pieces) {
+    for (point& p : piece.outer) function(p);
+    for (ring& hole : piece.holes)
+      for (point& p : hole) function(p);
+  }
+}
+
+}  // namespace
+
+projection::projection(const qv_polygon& receiver)
+    : receiver_(receiver), frame_(get_origin(receiver), receiver.get_normal()) {}
+
+region projection::get_region(const qv_polygon& operand) {
+  if (!frame_.is_valid()) return {};
+  region pieces = normalise(get_contours(operand));
+  find_sources(pieces);
+  return pieces;
+}
+
+void projection::find_sources(region& pieces) const {
+  std::vector<point> sorted;
+  for_each_point(pieces, [&](point& p) {
+    if (p.source >= 0) return;
+    if (sorted.empty()) {
+      sorted = known_points_;
+      std::sort(sorted.begin(), sorted.end(), is_before);
+    }
+    p.source = find_source(sorted, p);
+  });
+}
+
+void projection::adopt_new_points(region& pieces) {
+  for_each_point(pieces, [&](point& p) {
+    if (p.source >= 0) return;
+    vertices_.push_back(frame_.to_space(p.a, p.b));
+    p.source = static_cast<int>(vertices_.size()) - 1;
+  });
+}
+
+qv_list<qv_3dvector> projection::to_space(const ring& contour) const {
+  qv_list<qv_3dvector> vertices;
+  vertices.reserve(static_cast<int>(contour.size()));
+  for (const point& p : contour) {
+    const qv_3dvector vertex = to_space(p);
+    if (vertices.is_empty() || !(vertices[vertices.get_count() - 1] == vertex))
+      vertices.append(vertex);
+  }
+  while (vertices.get_count() > 1 && vertices[vertices.get_count() - 1] == vertices[0])
+    vertices.resize(vertices.get_count() - 1);
+  return vertices;
+}
+
+void projection::write(const region& pieces, qv_polygon& polygon) const {
+  polygon.clear();
+  for (const part& piece : pieces) {
+    const qv_list<qv_3dvector> outer = to_space(piece.outer);
+    if (outer.get_count() < 3) continue;
+    polygon.add_contour(outer);
+    for (const ring& hole : piece.holes) {
+      const qv_list<qv_3dvector> contour = to_space(hole);
+      if (contour.get_count() >= 3) polygon.add_contour(contour);
+    }
+  }
+}
+
+std::vector<ring> projection::get_contours(const qv_polygon& operand) {
+  std::vector<ring> contours;
+  const bool is_receiver = &operand == &receiver_;
+  const qv_3dvector* vertex = operand.get_contour_vertices().begin();
+  for (const unsigned int size : operand.get_contour_sizes()) {
+    const qv_3dvector* const first = vertex;
+    vertex += size;
+    if (size < 3 || !std::all_of(first, vertex, is_geometry)) continue;
+    ring contour;
+    contour.reserve(size);
+    for (const qv_3dvector* v = first; v != vertex; ++v) {
+      point p;
+      frame_.to_plane(*v, p.a, p.b);
+      if (!contour.empty() && is_repeated(contour.back(), p)) continue;
+      if (is_receiver || is_in_plane(*v)) {
+        p.source = static_cast<int>(vertices_.size());
+        vertices_.push_back(*v);
+      }
+      contour.push_back(p);
+    }
+    while (contour.size() > 1 && is_repeated(contour.front(), contour.back())) contour.pop_back();
+    if (contour.size() < 3) continue;
+    for (const point& p : contour)
+      if (p.source >= 0) known_points_.push_back(p);
+    contours.push_back(std::move(contour));
+  }
+  return contours;
+}
+
+bool projection::is_in_plane(const qv_3dvector& vertex) const {
+  const double coordinate =
+      std::max({std::fabs(vertex.x), std::fabs(vertex.y), std::fabs(vertex.z)});
+  const double step = coordinate * std::numeric_limits<float>::epsilon();
+  return std::fabs(frame_.get_height(vertex)) <=
+         std::max(tolerance::plane_distance, float_steps_off_plane * step);
+}
+
+}  // namespace qv::plane
