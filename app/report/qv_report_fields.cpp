@@ -1,0 +1,142 @@
+#include "app/report/qv_report_fields.h"
+
+namespace qv {
+namespace {
+
+qv_report_value count_of(std::size_t count) {
+  return static_cast<long long>(count);
+}
+
+template <class member>
+struct owner_of;
+template <class value, class record>
+struct owner_of<value record::*> {
+  using type = record;
+};
+
+// Reads the data member `member` of a record.
+template <auto member>
+qv_report_value read(const typename owner_of<decltype(member)>::type& record) {
+  return qv_to_report_value(record.*member);
+}
+
+constexpr qv_report_field<qv_study_location> location_fields[] = {
+    {"name", read<&qv_study_location::name>},
+    {"latitude_deg", read<&qv_study_location::latitude>},
+    {"longitude_deg", read<&qv_study_location::longitude>},
+    {"azimuth_deg", read<&qv_study_location::azimuth>},
+    {"elevation_m", read<&qv_study_location::elevation>},
+};
+
+constexpr qv_report_field<qv_study_results> totals_fields[] = {
+    {"spaces", [](const qv_study_results& study) { return count_of(study.spaces.size()); }},
+    {"area_m2", [](const qv_study_results& study) { return qv_report_value(study.get_area()); }},
+    {"volume_m3",
+     [](const qv_study_results& study) { return qv_report_value(study.get_volume()); }},
+    {"loss_area_m2",
+     [](const qv_study_results& study) { return qv_report_value(study.get_loss_area()); }},
+    {"walls", [](const qv_study_results& study) { return count_of(study.walls.size()); }},
+};
+
+constexpr qv_report_field<qv_study_building> building_fields[] = {
+    {"name", read<&qv_study_building::name>},        {"status", read<&qv_study_building::status>},
+    {"floors", read<&qv_study_building::floors>},    {"area_m2", read<&qv_study_building::area>},
+    {"volume_m3", read<&qv_study_building::volume>},
+};
+
+constexpr qv_report_field<qv_study_zone> zone_fields[] = {
+    {"name", read<&qv_study_zone::name>},
+    {"spaces", read<&qv_study_zone::spaces>},
+};
+
+constexpr qv_report_field<qv_study_space> space_fields[] = {
+    {"id", read<&qv_study_space::id>},
+    {"name", read<&qv_study_space::name>},
+    {"building", read<&qv_study_space::building>},
+    {"zone", read<&qv_study_space::zone>},
+    {"floor", read<&qv_study_space::floor>},
+    {"area_m2", read<&qv_study_space::area>},
+    {"volume_m3", read<&qv_study_space::volume>},
+    {"stated_area_m2", read<&qv_study_space::stated_area>},
+    {"stated_volume_m3", read<&qv_study_space::stated_volume>},
+    {"html", read<&qv_study_space::html>, false},
+};
+
+constexpr qv_report_field<qv_study_wall> wall_fields[] = {
+    {"id", read<&qv_study_wall::id>},
+    {"name", read<&qv_study_wall::name>},
+    {"wall_type", read<&qv_study_wall::wall_type>},
+    {"contact_type", read<&qv_study_wall::contact_type>},
+    {"space_0", read<&qv_study_wall::space_0>},
+    {"space_1", read<&qv_study_wall::space_1>},
+    {"area_m2", read<&qv_study_wall::area>},
+    {"azimuth_deg", read<&qv_study_wall::azimuth>},
+    {"tilt_deg", read<&qv_study_wall::tilt>},
+    {"u", read<&qv_study_wall::u>},
+    {"composition", read<&qv_study_wall::composition>},
+    {"limit_condition", read<&qv_study_wall::limit_condition>},
+};
+
+constexpr qv_report_field<qv_study_composition> composition_fields[] = {
+    {"name", read<&qv_study_composition::name>},
+    {"typology", read<&qv_study_composition::typology>},
+    {"u", read<&qv_study_composition::u>},
+    {"resistance", read<&qv_study_composition::resistance>},
+    {"thickness", read<&qv_study_composition::thickness>},
+};
+
+constexpr qv_report_field<qv_study_layer> layer_fields[] = {
+    {"name", read<&qv_study_layer::name>},
+    {"thickness", read<&qv_study_layer::thickness>},
+    {"conductivity", read<&qv_study_layer::conductivity>},
+    {"resistance", read<&qv_study_layer::resistance>},
+};
+
+constexpr qv_report_field<qv_study_fate> fate_fields[] = {
+    {"kind", read<&qv_study_fate::kind>},       {"id", read<&qv_study_fate::id>},
+    {"outcome", read<&qv_study_fate::outcome>}, {"reason", read<&qv_study_fate::reason>},
+    {"area_m2", read<&qv_study_fate::area>},
+};
+
+constexpr qv_report_field<qv_study_balance> balance_fields[] = {
+    {"source_m2", read<&qv_study_balance::source>},
+    {"walls_m2", read<&qv_study_balance::walls>},
+    {"shading_m2", read<&qv_study_balance::shading>},
+    {"merged_m2", read<&qv_study_balance::merged>},
+    {"dropped_m2", read<&qv_study_balance::dropped>},
+};
+
+}  // namespace
+
+std::span<const qv_report_field<qv_study_location>> qv_location_fields() {
+  return location_fields;
+}
+std::span<const qv_report_field<qv_study_results>> qv_totals_fields() {
+  return totals_fields;
+}
+std::span<const qv_report_field<qv_study_building>> qv_building_fields() {
+  return building_fields;
+}
+std::span<const qv_report_field<qv_study_zone>> qv_zone_fields() {
+  return zone_fields;
+}
+std::span<const qv_report_field<qv_study_space>> qv_space_fields() {
+  return space_fields;
+}
+std::span<const qv_report_field<qv_study_wall>> qv_wall_fields() {
+  return wall_fields;
+}
+std::span<const qv_report_field<qv_study_composition>> qv_composition_fields() {
+  return composition_fields;
+}
+std::span<const qv_report_field<qv_study_layer>> qv_layer_fields() {
+  return layer_fields;
+}
+std::span<const qv_report_field<qv_study_fate>> qv_fate_fields() {
+  return fate_fields;
+}
+std::span<const qv_report_field<qv_study_balance>> qv_balance_fields() {
+  return balance_fields;
+}
+
+}  // namespace qv

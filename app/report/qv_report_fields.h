@@ -1,0 +1,24 @@
+#pragma once
+
+#include <span>
+
+#include "app/report/qv_report_value.h"
+#include "app/study/qv_study_results.h"
+
+namespace qv {
+
+// The keys of each kind of record, in the order in which reports show them. Keys are added at the
+// end; none is renamed or taken away. Names end in their unit where they have one.
+
+std::span<const qv_report_field<qv_study_location>> qv_location_fields();
+std::span<const qv_report_field<qv_study_results>> qv_totals_fields();
+std::span<const qv_report_field<qv_study_building>> qv_building_fields();
+std::span<const qv_report_field<qv_study_zone>> qv_zone_fields();
+std::span<const qv_report_field<qv_study_space>> qv_space_fields();
+std::span<const qv_report_field<qv_study_wall>> qv_wall_fields();
+std::span<const qv_report_field<qv_study_composition>> qv_composition_fields();
+std::span<const qv_report_field<qv_study_layer>> qv_layer_fields();
+std::span<const qv_report_field<qv_study_fate>> qv_fate_fields();
+std::span<const qv_report_field<qv_study_balance>> qv_balance_fields();
+
+}  // namespace qv

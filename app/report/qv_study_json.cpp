@@ -1,0 +1,102 @@
+#include "app/report/qv_study_json.h"
+
+#include "app/report/qv_json_writer.h"
+#include "app/report/qv_report_fields.h"
+
+namespace qv {
+namespace {
+
+constexpr long long format_version = 1;
+constexpr auto one_line = qv_json_writer::layout::one_line;
+
+template <class T>
+void write_record(qv_json_writer& json, std::span<const qv_report_field<T>> fields,
+                  const T& record) {
+  json.begin_object(one_line);
+  json.members(fields, record);
+  json.end_object();
+}
+
+template <class T>
+void write_records(qv_json_writer& json, const char* name,
+                   std::span<const qv_report_field<T>> fields, const std::vector<T>& records) {
+  json.key(name);
+  json.begin_array();
+  for (const T& record : records) write_record(json, fields, record);
+  json.end_array();
+}
+
+void write_buildings(qv_json_writer& json, const std::vector<qv_study_building>& buildings) {
+  json.key("buildings");
+  json.begin_array();
+  for (const auto& building : buildings) {
+    json.begin_object();
+    json.members(qv_building_fields(), building);
+    write_records(json, "zones", qv_zone_fields(), building.zones);
+    json.end_object();
+  }
+  json.end_array();
+}
+
+void write_compositions(qv_json_writer& json,
+                        const std::vector<qv_study_composition>& compositions) {
+  json.key("compositions");
+  json.begin_array();
+  for (const auto& composition : compositions) {
+    json.begin_object();
+    json.members(qv_composition_fields(), composition);
+    write_records(json, "layers", qv_layer_fields(), composition.layers);
+    json.end_object();
+  }
+  json.end_array();
+}
+
+// {"Surface":{"kept":12,"dropped":1},…}: kinds and outcomes in the order of the tallies, which are
+// sorted by kind.
+void write_counts(qv_json_writer& json, const std::vector<qv_study_tally>& tallies) {
+  json.key("counts");
+  json.begin_object();
+  for (std::size_t index = 0; index < tallies.size();) {
+    const std::string& kind = tallies[index].kind;
+    json.key(kind);
+    json.begin_object(one_line);
+    for (; index < tallies.size() && tallies[index].kind == kind; ++index) {
+      json.member(tallies[index].outcome, static_cast<long long>(tallies[index].count));
+    }
+    json.end_object();
+  }
+  json.end_object();
+}
+
+void write_ledger(qv_json_writer& json, const qv_study_ledger& ledger) {
+  json.key("ledger");
+  json.begin_object();
+  write_counts(json, ledger.tallies);
+  json.key("area");
+  write_record(json, qv_balance_fields(), ledger.balance);
+  write_records(json, "elements", qv_fate_fields(), ledger.fates);
+  json.end_object();
+}
+
+}  // namespace
+
+std::string qv_study_json(const qv_study_results& study) {
+  qv_json_writer json;
+  json.begin_object();
+  json.member("format", std::string("qv-study"));
+  json.member("version", format_version);
+  json.member("source", study.source);
+  json.key("location");
+  write_record(json, qv_location_fields(), study.location);
+  json.key("totals");
+  write_record(json, qv_totals_fields(), study);
+  write_buildings(json, study.buildings);
+  write_records(json, "spaces", qv_space_fields(), study.spaces);
+  write_records(json, "walls", qv_wall_fields(), study.walls);
+  write_compositions(json, study.compositions);
+  write_ledger(json, study.ledger);
+  json.end_object();
+  return json.text();
+}
+
+}  // namespace qv

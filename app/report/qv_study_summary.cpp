@@ -1,0 +1,257 @@
+#include "app/report/qv_study_summary.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+#include "app/report/qv_text_table.h"
+
+namespace qv {
+namespace {
+
+constexpr auto left = qv_text_table::align::left;
+constexpr auto right = qv_text_table::align::right;
+constexpr const char* unknown = "–";
+
+std::string plural(std::size_t count, const char* one, const char* many) {
+  return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+std::string hundredths(double value) {
+  return fmt::format("{:.2f}", value);
+}
+
+std::string hundredths(const std::optional<double>& value) {
+  return value.has_value() ? hundredths(*value) : unknown;
+}
+
+// How far the measured figure is from the stated one, in percent of the stated one.
+std::string difference(double measured, const std::optional<double>& stated) {
+  if (!stated.has_value() || *stated <= 0.0) return unknown;
+  const std::string text = fmt::format("{:+.1f} %", 100.0 * (measured - *stated) / *stated);
+  return text == "-0.0 %" ? "+0.0 %" : text;
+}
+
+std::optional<double> sum_of(const std::vector<qv_study_space>& spaces,
+                             std::optional<double> qv_study_space::*stated) {
+  double sum = 0.0;
+  for (const auto& space : spaces) {
+    if (!(space.*stated).has_value()) return std::nullopt;
+    sum += *(space.*stated);
+  }
+  return sum;
+}
+
+std::string buildings_part(const qv_study_results& study) {
+  qv_text_table table({{"Building"},
+                       {"storeys", right},
+                       {"zones", right},
+                       {"spaces", right},
+                       {"area m²", right},
+                       {"volume m³", right}});
+  for (const auto& building : study.buildings) {
+    const auto spaces =
+        std::count_if(study.spaces.begin(), study.spaces.end(),
+                      [&](const auto& space) { return space.building == building.name; });
+    table.add_row({building.name, std::to_string(building.floors.size()),
+                   std::to_string(building.zones.size()), std::to_string(spaces),
+                   hundredths(building.area), hundredths(building.volume)});
+  }
+  return table.text();
+}
+
+std::string spaces_part(const qv_study_results& study) {
+  qv_text_table table({{"Space", left},
+                       {"storey", right},
+                       {"zone", left},
+                       {"area m²", right},
+                       {"stated", right},
+                       {"difference", right},
+                       {"volume m³", right},
+                       {"stated", right},
+                       {"difference", right}});
+  const std::size_t shown = std::min(study.spaces.size(), qv_summary_space_count);
+  for (std::size_t index = 0; index < shown; ++index) {
+    const auto& space = study.spaces[index];
+    table.add_row({space.name.empty() ? space.id : space.name,
+                   space.floor.has_value() ? std::to_string(*space.floor) : unknown,
+                   space.zone.value_or(unknown), hundredths(space.area),
+                   hundredths(space.stated_area), difference(space.area, space.stated_area),
+                   hundredths(space.volume), hundredths(space.stated_volume),
+                   difference(space.volume, space.stated_volume)});
+  }
+  if (shown < study.spaces.size()) {
+    table.add_row({fmt::format("… {} more, see spaces.csv", study.spaces.size() - shown)});
+  }
+  const auto stated_area = sum_of(study.spaces, &qv_study_space::stated_area);
+  const auto stated_volume = sum_of(study.spaces, &qv_study_space::stated_volume);
+  table.add_rule();
+  table.add_row({"all spaces", "", "", hundredths(study.get_area()), hundredths(stated_area),
+                 difference(study.get_area(), stated_area), hundredths(study.get_volume()),
+                 hundredths(stated_volume), difference(study.get_volume(), stated_volume)});
+  return table.text() + fmt::format(
+                            "  Area: floor with more than 1.8 m of free height. Measured on the "
+                            "Surface polygons of\n"
+                            "  the file, of which those of {} of {} spaces close without a gap; "
+                            "stated figures may be\n"
+                            "  those of other faces, for example the inner ones.\n",
+                            study.closed_space_count, study.spaces.size());
+}
+
+// Areas and U of the walls of one contact type.
+struct wall_group {
+  std::string contact_type;
+  std::size_t count = 0;
+  double area = 0.0;
+  double known_area = 0.0;  // of the walls whose U is known
+  double heat_loss = 0.0;   // sum of area × U over those, W/K
+};
+
+std::string wall_row_u(const wall_group& group) {
+  if (group.known_area <= 0.0) return unknown;
+  return fmt::format("{:.3f}", group.heat_loss / group.known_area);
+}
+
+std::string walls_part(const qv_study_results& study) {
+  std::vector<wall_group> groups;
+  wall_group loss{"loss area"};
+  for (const auto& wall : study.walls) {
+    auto group = std::find_if(groups.begin(), groups.end(), [&](const auto& known) {
+      return known.contact_type == wall.contact_type;
+    });
+    if (group == groups.end()) group = groups.insert(group, {wall.contact_type});
+    for (wall_group* sum : {&*group, wall.is_loss() ? &loss : nullptr}) {
+      if (sum == nullptr) continue;
+      ++sum->count;
+      sum->area += wall.area;
+      if (!wall.u.has_value()) continue;
+      sum->known_area += wall.area;
+      sum->heat_loss += static_cast<double>(wall.area) * *wall.u;
+    }
+  }
+  qv_text_table table({{"Contact"},
+                       {"walls", right},
+                       {"area m²", right},
+                       {"mean U W/(m².K)", right},
+                       {"of which U unknown m²", right}});
+  const auto add = [&table](const wall_group& group) {
+    const double unknown_area = group.area - group.known_area;
+    table.add_row({group.contact_type, std::to_string(group.count), hundredths(group.area),
+                   wall_row_u(group),
+                   unknown_area > 0.0 ? hundredths(unknown_area) : std::string(unknown)});
+  };
+  std::sort(groups.begin(), groups.end(),
+            [](const auto& a, const auto& b) { return a.contact_type < b.contact_type; });
+  for (const auto& group : groups) add(group);
+  table.add_rule();
+  add(loss);
+  return table.text() + "  U: layers alone, without surface resistances.\n";
+}
+
+std::string counts_part(const qv_study_ledger& ledger) {
+  std::vector<qv_text_table::column> columns = {{"In the file"}};
+  std::vector<std::string> outcomes, kinds;
+  for (const auto& tally : ledger.tallies) {
+    if (tally.count == 0) continue;
+    if (std::find(kinds.begin(), kinds.end(), tally.kind) == kinds.end()) {
+      kinds.push_back(tally.kind);
+    }
+  }
+  // The tallies of any one kind name every outcome in its order.
+  for (const auto& tally : ledger.tallies) {
+    if (tally.kind != ledger.tallies.front().kind) break;
+    const bool happened = std::any_of(
+        ledger.tallies.begin(), ledger.tallies.end(),
+        [&](const auto& other) { return other.outcome == tally.outcome && other.count > 0; });
+    if (happened) outcomes.push_back(tally.outcome);
+  }
+  for (const auto& outcome : outcomes) columns.push_back({outcome, right});
+  qv_text_table table(columns);
+  for (const auto& kind : kinds) {
+    std::vector<std::string> cells = {kind};
+    for (const auto& outcome : outcomes) {
+      const auto found = std::find_if(
+          ledger.tallies.begin(), ledger.tallies.end(),
+          [&](const auto& tally) { return tally.kind == kind && tally.outcome == outcome; });
+      cells.push_back(found == ledger.tallies.end() || found->count == 0
+                          ? std::string(unknown)
+                          : std::to_string(found->count));
+    }
+    table.add_row(cells);
+  }
+  return table.text();
+}
+
+std::string reasons_part(const qv_study_ledger& ledger) {
+  struct group {
+    std::size_t count = 0;
+    double area = 0.0;
+    bool has_area = false;
+  };
+  std::map<std::tuple<std::string, std::string, std::string>, group> groups;
+  for (const auto& fate : ledger.fates) {
+    if (fate.outcome == "kept") continue;
+    group& sum = groups[{fate.kind, fate.outcome, fate.reason}];
+    ++sum.count;
+    sum.area += fate.area.value_or(0.0);
+    sum.has_area = sum.has_area || fate.area.has_value();
+  }
+  if (groups.empty()) return {};
+  std::string text = "\n";
+  std::size_t shown = 0;
+  for (const auto& [what, sum] : groups) {
+    if (shown++ == qv_summary_reason_count) {
+      text += fmt::format("  … {} more reasons, see \"ledger\" in study.json\n",
+                          groups.size() - qv_summary_reason_count);
+      break;
+    }
+    const auto& [kind, outcome, reason] = what;
+    text += fmt::format("  {} {} {}", sum.count, kind, outcome);
+    if (sum.has_area) text += fmt::format(" ({:.2f} m²)", sum.area);
+    text += ": " + reason + "\n";
+  }
+  return text;
+}
+
+std::string headline(const qv_study_results& study) {
+  std::size_t storeys = 0;
+  std::size_t zones = 0;
+  for (const auto& building : study.buildings) {
+    storeys += building.floors.size();
+    zones += building.zones.size();
+  }
+  return fmt::format("Study of {}\n  {}, {}, {}, {}, {}, {}\n", study.source,
+                     plural(study.buildings.size(), "building", "buildings"),
+                     plural(storeys, "storey", "storeys"), plural(zones, "zone", "zones"),
+                     plural(study.spaces.size(), "space", "spaces"),
+                     plural(study.walls.size(), "wall", "walls"),
+                     plural(study.compositions.size(), "composition", "compositions"));
+}
+
+}  // namespace
+
+std::string qv_ledger_summary(const qv_study_ledger& ledger) {
+  const qv_study_balance& sums = ledger.balance;
+  std::string areas = fmt::format("  Surfaces: {:.2f} m² in the file = {:.2f} m² of walls",
+                                  sums.source, sums.walls);
+  if (sums.shading > 0.0) areas += fmt::format(" ({:.2f} m² of shading)", sums.shading);
+  if (sums.merged > 0.0) areas += fmt::format(" + {:.2f} m² said twice", sums.merged);
+  areas += fmt::format(" + {:.2f} m² dropped\n", sums.dropped);
+  if (!sums.balanced) areas += "  These areas do not balance: please report this file.\n";
+  return counts_part(ledger) + areas + reasons_part(ledger);
+}
+
+std::string qv_study_summary(const qv_study_results& study) {
+  std::string text = headline(study);
+  if (!study.buildings.empty()) text += "\n" + buildings_part(study);
+  if (!study.spaces.empty()) text += "\n" + spaces_part(study);
+  if (!study.walls.empty()) text += "\n" + walls_part(study);
+  text += "\n" + qv_ledger_summary(study.ledger);
+  if (!study.notes.empty()) text += '\n';
+  for (const std::string& note : study.notes) text += "  Note: " + note + '\n';
+  return text;
+}
+
+}  // namespace qv
