@@ -69,10 +69,57 @@ class qvi_wall : public qv_item, public qv_solar_income {
 
   /// The openings that name this wall, in scene order.
   const qv_list<qvi_opening*>& get_openings() const { return record_->openings; }
-  /// Area through which the wall loses heat, openings cut out, m².
+  /// Area through which the wall loses heat, openings cut out, m²; 0 without a face.
   float get_loss_area() const { return record_->loss_area; }
 
+  /// Finds the openings, puts a lone space first, completes missing faces by their pierced twins
+  /// and the other way round, derives the contact type and the loss surface, and gives the pierced
+  /// faces the composition's first layer as front shader and its last as back shader. A contact
+  /// type set by hand stays until the wall type or a face changes.
+  void precompute() override;
+
+  /// False between two spaces (inner wall, intermediate floor).
+  bool can_have_limit_condition() const;
+  /// True when the far side is the outside air: at most one space and no limit condition.
+  bool is_exterior() const;
+  /// Share of the sun on the outer surface that gets inside as heat: U × absorptance / 25, the
+  /// absorptance being that of the outside face's front shader for solar radiation and 25
+  /// W/(m²·K) the exchange coefficient of an outer surface. 0 without a composition, an outside
+  /// face or its shader, and where nothing is absorbed.
+  float get_solar_factor() const;
+
+  /// Turns the normal of a floor downwards and that of a roof or outside slab upwards, precomputing
+  /// first, then `propagate_normal_orientation`.
+  void check_normal_orientation();
+  /// Turns the faces and the openings that look against the wall's normal. An opening at a right
+  /// angle to the wall is turned too.
+  void propagate_normal_orientation();
+
+  /// True when the wall is to be highlighted while `item` is selected: the wall, its composition, a
+  /// matter of its layers, its limit condition. False for null.
+  bool is_selection_related(qv_item* item) const;
+
+  /// Type, spaces, composition and its sense, as a table in French.
+  std::string get_html_information() override;
+
+  /// Draws the wall's highlight when `selection` and the wall has to do with what is selected.
+  void render_opengl(bool selection) override;
+  /// Contour, normal and faces, seen through everything, in `color` without its alpha.
+  void render_opengl_transparent(const qv_color& color);
+  /// Contours of the single face, or else of the two faces; the pierced ones where there are.
+  void draw_contour_raw();
+  /// Surfaces of the same faces.
+  void draw_face_raw();
+
  private:
+  void find_openings();
+  void normalise_spaces();
+  void complete_faces();
+  void update_contact_type();
+  void update_loss_polygon();
+  void update_face_shaders();
+  qv_list<qvi_polygon*> get_drawn_faces() const;
+
   // A copy-constructed wall shares its source's record.
   struct record {
     unsigned int date = 0;  // of the last complete computation; 0 never
