@@ -35,7 +35,29 @@ class qvi_building : public qv_item {
   /// Sum over the spaces, m³.
   float get_volume() const { return record_->volume; }
 
+  /// Precomputes the scene's spaces and zones, gathers those of the building, sums up, and numbers
+  /// the storeys from the bottom: each takes every remaining space whose bottom lies less than
+  /// 1.5 m above the lowest remaining one. Writes each space's "floor" and the building's
+  /// "floors". Without spaces there is one level, 100000000.
+  void precompute() override;
+  /// Bounds of the building's spaces, as of the last `precompute`.
+  qv_box get_local_bounding_box() override;
+
+  /// Rebuilds the buildings and zones of `scene` from its spaces and walls. All present ones are
+  /// destroyed; each group of spaces connected by walls becomes one building with one zone, both
+  /// directly under the scene, numbered in the order of the groups' first spaces. With
+  /// `rename_spaces` a space is named after its building and its rank in it, breadth first. A
+  /// building whose walls were all made from parts of one imported object takes over that object's
+  /// unique id. Time near linear in the size of the model.
+  static void build_buildings(qv_scene* scene, bool rename_spaces);
+
  private:
+  bool is_up_to_date() const;
+  void find_campus();
+  void gather_spaces();
+  void gather_zones();
+  void number_storeys();
+
   // A copy-constructed building shares its source's record.
   struct record {
     unsigned int date = 0;  // of the last computation; 0 never

@@ -7,6 +7,7 @@
 namespace qv {
 
 class qvi_building;
+class qvi_campus;
 class qvi_polygon;
 class qvi_usage_internal_gains;
 class qvi_usage_lighting;
@@ -43,7 +44,42 @@ class qvi_space : public qvi_xspace {
   /// Horizontal walls and roofs over the space.
   const qv_list<qvi_wall*>& get_ceilings() const { return record_->ceilings; }
 
+  /// Floor area in m²: the forced one when it is not negative, else the measured one, which counts
+  /// where the free height exceeds 1.8 m.
+  float get_area() const;
+  /// Volume in m³: the forced one when it is not negative, else the measured one.
+  float get_volume() const;
+  /// The site of the space's building, or null.
+  qvi_campus* get_campus() const;
+
+  /// Prepares the meshes below the space (orientation, layers) when they changed; when a wall of
+  /// the scene changed since the last time, precomputes the walls, sorts those of this space,
+  /// copies their faces as its shell unless it has polygons of its own, and measures area and
+  /// volume: from 100 points on each floor a ray goes up to the scene's surfaces of layer "bim".
+  void precompute() override;
+  /// Measures the space inside its own shell: from a grid of 5 cm on each shell polygon that looks
+  /// down, rays go up to the shell. `area` counts where they run farther than `min_height` m.
+  /// Polygons of spaces below this one are left out. Nothing is kept.
+  void compute_size_from_shell_geometry(float min_height, float& area, float& volume);
+
+  /// Bounds of the space's walls and of the polygons below it, kept until the space changes.
+  qv_box get_local_bounding_box() override;
+  /// When `draw` is true, the spaces directly below, then this one when the mouse is over it or it,
+  /// its zone, its building or its campus is selected.
+  void render_opengl(bool draw) override;
+  /// The shell's contours and surfaces, or else those of the walls' faces on this side, seen
+  /// through everything, in `color` without its alpha.
+  void render_opengl_transparent(const qv_color& color);
+
  private:
+  void precompute_geometry();
+  void take_building_of_zone();
+  qv_list<qvi_wall*> find_walls() const;
+  void sort_walls();
+  void make_shell_polygons();
+  void measure();
+  qv_list<qvi_polygon*> get_drawn_faces() const;
+
   // A copy-constructed space shares its source's record.
   struct record {
     unsigned int date = 0;           // of the last computation; 0 never

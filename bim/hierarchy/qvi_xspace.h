@@ -15,6 +15,10 @@ class qvi_xspace : public qv_item {
   QV_PARAM(bool, outside, true)
   /// Identifiers of the imported elements that the space came from.
   QV_PARAM_LIST(std::string, source_ids)
+
+  /// When `draw` is true and the mouse is over the volume or it is selected, its meshes, seen
+  /// through everything.
+  void render_opengl(bool draw) override;
 };
 
 }  // namespace qv

@@ -7,6 +7,7 @@
 namespace qv {
 
 class qvi_building;
+class qvi_campus;
 class qvi_space;
 class qvi_usage_heating_cooling;
 class qvi_usage_internal_gains;
@@ -33,6 +34,11 @@ class qvi_zone : public qv_item {
   float get_area() const { return record_->area; }
   /// Sum over the spaces, m³.
   float get_volume() const { return record_->volume; }
+  /// The site of the zone's building, or null.
+  qvi_campus* get_campus() const;
+
+  /// Precomputes the zone's spaces, gathers them and sums up, when anything changed.
+  void precompute() override;
 
  private:
   // A copy-constructed zone shares its source's record.
