@@ -12,6 +12,12 @@ class qvi_bim_root : public qv_item {
   QV_PARAM(bool, original_walls_spaces, false)
   /// The thermal bridges come from the imported model itself.
   QV_PARAM(bool, original_thermal_bridges, false)
+
+  /// The buildings below the root with their zones and spaces, volumes (m³), areas (m²) and the
+  /// spaces' geometry, in one line of text. It looks like JSON and is for programs that expect the
+  /// colons which its keys carry inside their quotes; names are not escaped. What the last
+  /// `precompute` found is what is written.
+  std::string to_json();
 };
 
 }  // namespace qv
