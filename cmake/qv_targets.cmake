@@ -16,19 +16,23 @@ if(QV_SANITIZE)
 endif()
 
 # qv_library(<name> SOURCES … HEADERS … [PUBLIC libs…] [PRIVATE libs…] [ROOT dir])
-# A shared library whose headers are included relative to ROOT (default: the parent folder).
+# A shared library whose headers are included relative to ROOT (default: the parent folder). The
+# library qv_bim is qv::bim to other projects, whether they take this one in as a subdirectory or
+# find it installed.
 function(qv_library name)
   cmake_parse_arguments(arg "" "ROOT" "SOURCES;HEADERS;PUBLIC;PRIVATE" ${ARGN})
   if(NOT arg_ROOT)
     get_filename_component(arg_ROOT "${CMAKE_CURRENT_SOURCE_DIR}/.." ABSOLUTE)
   endif()
-  add_library(${name} SHARED ${arg_SOURCES} ${arg_HEADERS})
-  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${arg_ROOT}>
-                                            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  add_library(${name} SHARED ${arg_SOURCES})
+  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${arg_ROOT} FILES ${arg_HEADERS})
   target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:qv_flags>)
   target_compile_features(${name} PUBLIC cxx_std_20)
   set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
-                                           LINKER_LANGUAGE CXX)
+                                           LINKER_LANGUAGE CXX INSTALL_RPATH "$ORIGIN")
+  string(REGEX REPLACE "^qv_" "" short_name ${name})
+  set_target_properties(${name} PROPERTIES EXPORT_NAME ${short_name})
+  add_library(qv::${short_name} ALIAS ${name})
 endfunction()
 
 # qv_test(<name> SOURCES … LIBS …): a GoogleTest program; CTest knows each of its tests.
