@@ -8,35 +8,40 @@
 namespace qv {
 
 /// The sun that a surface receives over a period, as walls and openings keep it: irradiations in
-/// W/m², one value for each time step of the sun. Series are empty and numbers 0 until computed.
+/// W/m², one value for each time step of the sun. Series are empty and numbers 0 until computed;
+/// until then they take no memory. A copy shares its source's results.
 ///
 /// "Direct" before the underscore means straight from its source, "indirect" after reflexions;
 /// after it, "direct" means the sun's beam and "diffuse" the sky.
 class qv_solar_income {
  public:
   // Each a pointer to the first value of the series; null while it is empty.
-  const float* get_solar_income_direct_direct() const { return results_->direct_direct.data(); }
-  const float* get_solar_income_direct_diffuse() const { return results_->direct_diffuse.data(); }
-  const float* get_solar_income_indirect_direct() const { return results_->indirect_direct.data(); }
+  const float* get_solar_income_direct_direct() const { return get_results().direct_direct.data(); }
+  const float* get_solar_income_direct_diffuse() const {
+    return get_results().direct_diffuse.data();
+  }
+  const float* get_solar_income_indirect_direct() const {
+    return get_results().indirect_direct.data();
+  }
   const float* get_solar_income_indirect_diffuse() const {
-    return results_->indirect_diffuse.data();
+    return get_results().indirect_diffuse.data();
   }
   // Spread of the values, in the same unit.
   const float* get_solar_income_direct_direct_sigma() const {
-    return results_->direct_direct_sigma.data();
+    return get_results().direct_direct_sigma.data();
   }
   const float* get_solar_income_indirect_direct_sigma() const {
-    return results_->indirect_direct_sigma.data();
+    return get_results().indirect_direct_sigma.data();
   }
-  const float* get_solar_income_diffuse_sigma() const { return results_->diffuse_sigma.data(); }
+  const float* get_solar_income_diffuse_sigma() const { return get_results().diffuse_sigma.data(); }
 
   /// Points of the surface at which it was sampled.
-  const qv_list<qv_3dvector>& get_solar_income_samples() const { return results_->samples; }
+  const qv_list<qv_3dvector>& get_solar_income_samples() const { return get_results().samples; }
   /// Sum of the four series over all steps.
-  float get_solar_income_cumulated() const { return results_->cumulated; }
+  float get_solar_income_cumulated() const { return get_results().cumulated; }
   /// Number of samples of the beam and of the sky.
-  float get_solar_income_direct_samples() const { return results_->direct_samples; }
-  float get_solar_income_diffuse_samples() const { return results_->diffuse_samples; }
+  float get_solar_income_direct_samples() const { return get_results().direct_samples; }
+  float get_solar_income_diffuse_samples() const { return get_results().diffuse_samples; }
 
  private:
   struct results {
@@ -52,7 +57,12 @@ class qv_solar_income {
     float direct_samples = 0;
     float diffuse_samples = 0;
   };
-  std::shared_ptr<results> results_ = std::make_shared<results>();
+  const results& get_results() const {
+    static const results not_computed;
+    return *results_ != nullptr ? **results_ : not_computed;
+  }
+
+  std::shared_ptr<std::unique_ptr<results>> results_ = std::make_shared<std::unique_ptr<results>>();
 };
 
 }  // namespace qv

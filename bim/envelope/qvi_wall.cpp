@@ -31,7 +31,7 @@ void qvi_wall::precompute() {
   normalise_spaces();
   complete_faces();
   update_contact_type();
-  update_loss_polygon();
+  update_loss_area();
   update_face_shaders();
   record_->date = qv_get_date();
 }
@@ -89,14 +89,13 @@ void qvi_wall::update_contact_type() {
   set_contact_type(contact);
 }
 
-void qvi_wall::update_loss_polygon() {
+void qvi_wall::update_loss_area() {
   qvi_polygon* face = nullptr;
   for (qvi_polygon* candidate : {get_pierced_face(), get_pierced_face_0(), get_pierced_face_1(),
                                  get_face(), get_face_0(), get_face_1()}) {
     if (face == nullptr) face = candidate;
   }
   if (face == nullptr) {
-    record_->loss_polygon.clear();
     record_->loss_area = 0;
     return;
   }
@@ -105,8 +104,9 @@ void qvi_wall::update_loss_polygon() {
       std::max({face->get_local_date(), get_pierced_face_date(), get_pierced_face_0_date(),
                 get_pierced_face_1_date(), get_face_date(), get_face_0_date(), get_face_1_date()});
   if (record_->date != 0 && changed <= record_->date) return;
-  face->fill_polygon(&record_->loss_polygon);
-  record_->loss_area = record_->loss_polygon.get_area();
+  qv_polygon loss_polygon;
+  face->fill_polygon(&loss_polygon);
+  record_->loss_area = loss_polygon.get_area();
 }
 
 void qvi_wall::update_face_shaders() {

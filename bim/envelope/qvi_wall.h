@@ -4,7 +4,6 @@
 
 #include "bim/envelope/qv_solar_income.h"
 #include "core/items/qv_accessors.h"
-#include "utilities/qv_polygon.h"
 
 namespace qv {
 
@@ -116,14 +115,15 @@ class qvi_wall : public qv_item, public qv_solar_income {
   void normalise_spaces();
   void complete_faces();
   void update_contact_type();
-  void update_loss_polygon();
+  void update_loss_area();
   void update_face_shaders();
   qv_list<qvi_polygon*> get_drawn_faces() const;
 
   // A copy-constructed wall shares its source's record.
   struct record {
     unsigned int date = 0;  // of the last complete computation; 0 never
-    qv_polygon loss_polygon;
+    // Of the loss polygon. The polygon itself is the region that its face had at that time; models
+    // have very many walls and nothing else of it is asked for, so it is not kept.
     float loss_area = 0;
     qv_list<qvi_opening*> openings;
   };
