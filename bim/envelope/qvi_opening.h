@@ -1,13 +1,16 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "bim/envelope/qv_solar_income.h"
+#include "bim/envelope/qvi_opening_part.h"
 #include "core/items/qv_accessors.h"
 #include "utilities/qv_polygon.h"
 
 namespace qv {
 
+class qvi_glazing;
 class qvi_opening_composition;
 class qvi_wall;
 
@@ -37,8 +40,37 @@ class qvi_opening : public qv_item, public qv_solar_income {
   /// 0 … 1.
   QV_PARAM(float, forced_visible_transmittance, -1.0f)
 
-  // The opening in the plane of its outermost points, part by part, as found by the last
-  // `precompute`; empty and 0 before. What lies behind a frame or a panel counts once.
+  /// Brings areas, U, solar factor and light transmittance up to date.
+  void precompute() override;
+
+  // Each is the opening's forced value when that is not negative; else its composition's forced
+  // value when that is not negative; else what the last `precompute` found: the mean over the parts
+  // weighted by their areas (not finite for an opening without area).
+  /// W/(m²·K).
+  float get_U() const;
+  /// 0 … 1.
+  float get_solar_factor() const;
+  /// 0 … 1.
+  float get_visible_transmittance() const;
+
+  /// Splits the opening into glazing, panels and frame: the polygons below it, by their front
+  /// shader, in one plane through its outermost vertices. A panel hides the glazing behind it, a
+  /// frame hides both. An opening made of one polygon whose source is an imported object takes
+  /// panes and panels from that object's meshes instead, clipped to the polygon.
+  void compute_geometry();
+  /// Gives a glazing to the meshes that have none of their own, then weighs the parts. The glazing
+  /// is the composition's; without one, the first glazing among the scene's children, made when
+  /// there is none.
+  void compute_physical();
+
+  std::string get_html_information() override;
+  /// As highlight (`selection`): the opening in yellow under the mouse, in red while it or its
+  /// composition is selected.
+  void render_opengl(bool selection) override;
+  void render_opengl_raw() override;
+
+  // The opening in the plane of its outermost points, as found by the last `precompute`; empty and
+  // 0 before. What lies behind a frame or a panel counts once.
 
   /// m².
   float get_glazing_area() const { return record_->glazing_area; }
@@ -49,10 +81,30 @@ class qvi_opening : public qv_item, public qv_solar_income {
   const qv_polygon& get_opaque_face() const { return record_->opaque_face; }
   const qv_polygon& get_frame_face() const { return record_->frame_face; }
   const qv_polygon& get_full_face() const { return record_->full_face; }
+  /// One for each front shader among the meshes, in the order in which the meshes bring them.
+  const std::vector<qvi_opening_part>& get_parts() const { return record_->parts; }
 
  private:
+  void compute_geometry_from_bim_object(const qv_polygon& outline);
+  void compute_geometry_from_meshes(const qv_list<qvi_mesh*>& meshes);
+  qvi_opening_part& get_part_of(qvi_opening_shader* shader);
+  void scale_parts_to_visible_areas();
+  bool is_physically_up_to_date() const;
+  qvi_glazing* choose_glazing();
+  bool hand_out_glazing();
+  float get_effective(float own, float of_composition, float computed) const;
+  bool is_highlighted_by_mouse() const;
+  bool is_highlighted_by_selection() const;
+
   // A copy-constructed opening shares its source's record.
   struct record {
+    unsigned int physical_date = 0;  // 0 never
+    unsigned int geometry_date = 0;  // 0 never
+    std::vector<qvi_opening_part> parts;
+    qv_list<qvi_mesh*> meshes;  // that the geometry was computed from
+    float U = 0;
+    float solar_factor = 0;
+    float visible_transmittance = 0;
     float glazing_area = 0;
     float opaque_area = 0;
     float frame_area = 0;

@@ -37,6 +37,10 @@ class qvi_opening_composition : public qv_item {
   QV_PARAM_ITEM(qvi_glazing, glazing)
   /// The opaque part, such as a panel or a door leaf.
   QV_PARAM_ITEM(qvi_opaque, opaque)
+
+  /// Number of the scene's openings that use this composition; 0 outside a scene.
+  int get_opening_count() const;
+  std::string get_html_information() override;
 };
 
 }  // namespace qv

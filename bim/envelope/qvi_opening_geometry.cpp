@@ -1,0 +1,166 @@
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "bim/envelope/qvi_opening.h"
+#include "bim/materials/qvi_opening_shader.h"
+#include "core/shapes/qvi_polygon.h"
+#include "utilities/qv_date.h"
+
+namespace qv {
+
+namespace {
+
+constexpr float below_every_vertex = -1e8f;  // m, along the opening's normal
+constexpr float opaque_from_alpha = 0.99f;   // a colour with less shows what lies behind
+constexpr float reveal_cosine =
+    0.1f;  // faces nearer to a right angle with the opening are its reveals
+
+qvi_opening_part::kind get_kind(const qvi_shader& shader) {
+  if (shader.has_type("glazing")) return qvi_opening_part::kind::glazing;
+  if (shader.has_type("opaque")) return qvi_opening_part::kind::opaque;
+  return qvi_opening_part::kind::frame;
+}
+
+/// Corners of a mesh; those of its triangles where it has no corners of its own (instances).
+const qv_list<qv_3dvector>& get_corners(qvi_mesh& mesh) {
+  const qv_list<qv_3dvector>& corners = mesh.get_vertices();
+  return corners.is_empty() ? mesh.get_triangle_vertices() : corners;
+}
+
+bool is_transparent(const qvi_mesh& mesh) {
+  const qvi_shader* const shader = mesh.get_front_shader();
+  return shader != nullptr && shader->get_diffuse_color().a < opaque_from_alpha;
+}
+
+}  // namespace
+
+void qvi_opening::compute_geometry() {
+  record& found = *record_;
+  if (get_date() <= found.geometry_date) return;
+  const qv_list<qvi_mesh*> meshes = qv_collect<qvi_mesh>(this, "mesh");
+
+  const qv_item* const source = get_source();
+  if (source != nullptr && source->has_type("bim_object") && meshes.get_count() == 1 &&
+      meshes[0]->has_type("polygon")) {
+    qv_polygon outline;
+    static_cast<qvi_polygon*>(meshes[0])->fill_polygon(&outline);
+    compute_geometry_from_bim_object(outline);
+    return;
+  }
+
+  bool stale = get_normal_date() > found.geometry_date || !(meshes == found.meshes);
+  for (const qvi_mesh* mesh : meshes) {
+    stale = stale || mesh->get_geometry_date() > found.geometry_date;
+  }
+  if (stale) compute_geometry_from_meshes(meshes);
+}
+
+void qvi_opening::compute_geometry_from_meshes(const qv_list<qvi_mesh*>& meshes) {
+  record& found = *record_;
+  found.parts.clear();
+  found.meshes = meshes;
+  const qv_3dvector normal = get_normal();
+  const qv_3dvector center = get_bounding_box().get_center();
+
+  float outermost = below_every_vertex;
+  for (qvi_mesh* mesh : meshes) {
+    qvi_shader* const shader = mesh->get_front_shader();
+    if (shader == nullptr || !shader->has_type("opening_shader")) continue;
+    get_part_of(static_cast<qvi_opening_shader*>(shader)).meshes.append(mesh);
+    for (const qv_3dvector& corner : get_corners(*mesh)) {
+      outermost = std::max(outermost, corner.dot(normal));
+    }
+  }
+
+  const qv_polygon plane(center + normal * (outermost - center.dot(normal)), normal);
+  found.glazing_face = found.opaque_face = found.frame_face = found.full_face = plane;
+  for (qvi_opening_part& part : found.parts) {
+    part.polygon = plane;
+    for (qvi_mesh* mesh : part.meshes) {
+      if (!mesh->has_type("polygon")) continue;
+      qv_polygon piece;
+      static_cast<qvi_polygon*>(mesh)->fill_polygon(&piece);
+      part.polygon.unites(piece);
+    }
+    part.area = part.polygon.get_area();
+    qv_polygon& face_of_kind =
+        part.part_kind == qvi_opening_part::kind::glazing  ? found.glazing_face
+        : part.part_kind == qvi_opening_part::kind::opaque ? found.opaque_face
+                                                           : found.frame_face;
+    face_of_kind.unites(part.polygon);
+    found.full_face.unites(part.polygon);
+  }
+
+  found.opaque_face.substracts(found.frame_face);
+  found.glazing_face.substracts(found.frame_face);
+  found.glazing_face.substracts(found.opaque_face);
+  found.glazing_area = found.glazing_face.get_area();
+  found.opaque_area = found.opaque_face.get_area();
+  found.frame_area = found.frame_face.get_area();
+  scale_parts_to_visible_areas();
+  // The sum, not the area of the full face: an opening's U is a mean over what its parts add up to.
+  found.full_area = found.opaque_area + found.glazing_area + found.frame_area;
+  found.geometry_date = qv_get_date();
+}
+
+qvi_opening_part& qvi_opening::get_part_of(qvi_opening_shader* shader) {
+  std::vector<qvi_opening_part>& parts = record_->parts;
+  const auto known =
+      std::find_if(parts.begin(), parts.end(),
+                   [shader](const qvi_opening_part& part) { return part.shader == shader; });
+  if (known != parts.end()) return *known;
+  qvi_opening_part& made = parts.emplace_back();
+  made.part_kind = get_kind(*shader);
+  made.shader = shader;
+  return made;
+}
+
+void qvi_opening::scale_parts_to_visible_areas() {
+  constexpr int kind_count = 3;
+  const float visible[kind_count] = {record_->glazing_area, record_->opaque_area,
+                                     record_->frame_area};
+  float sum[kind_count] = {0, 0, 0};
+  for (const qvi_opening_part& part : record_->parts) {
+    sum[static_cast<int>(part.part_kind)] += part.area;
+  }
+  for (qvi_opening_part& part : record_->parts) {
+    const int kind = static_cast<int>(part.part_kind);
+    part.area *= sum[kind] > 0.0f ? visible[kind] / sum[kind] : 0.0f;
+  }
+}
+
+void qvi_opening::compute_geometry_from_bim_object(const qv_polygon& outline) {
+  record& found = *record_;
+  const qv_item* const source = get_source();
+  if (found.geometry_date >= source->get_date()) return;
+  found.parts.clear();
+  found.meshes.clear();
+  const qv_3dvector normal = get_normal();
+  const qv_polygon plane(outline.get_point(), normal);
+  found.full_face = found.opaque_face = found.glazing_face = plane;
+  found.frame_face.clear();
+
+  for (qvi_mesh* mesh : qv_collect<qvi_mesh>(source, "mesh")) {
+    qv_polygon& face = is_transparent(*mesh) ? found.glazing_face : found.opaque_face;
+    for (qv_polygon* raw : mesh->build_raw_polygons()) {
+      const std::unique_ptr<qv_polygon> owned(raw);
+      if (std::fabs(raw->get_normal().dot(normal)) > reveal_cosine) face.unites(*raw);
+    }
+  }
+  found.glazing_face.substracts(found.opaque_face);
+  found.glazing_face.intersects(outline);
+  found.opaque_face.intersects(outline);
+  found.full_face.unites(found.glazing_face);
+  found.full_face.unites(found.opaque_face);
+
+  found.glazing_area = found.glazing_face.get_area();
+  found.opaque_area = found.opaque_face.get_area();
+  found.frame_area = 0.0f;
+  // Here the area of the united face, unlike the sum for an opening of several pieces: deliberate,
+  // one outline bounds everything that counts.
+  found.full_area = found.full_face.get_area();
+  found.geometry_date = qv_get_date();
+}
+
+}  // namespace qv
