@@ -7,6 +7,7 @@
 
 namespace qv {
 
+class qv_polygon;
 class qvi_composition;
 class qvi_limit_condition;
 class qvi_opening;
@@ -94,6 +95,15 @@ class qvi_wall : public qv_item, public qv_solar_income {
   /// angle to the wall is turned too.
   void propagate_normal_orientation();
 
+  /// Gives the wall one generated window that covers `ratio` of its face: the face's contour shrunk
+  /// about the mean of its vertices, until the area is right to 0.1 % of the face. Both faces are
+  /// pierced by it, the plain ones hidden. A window generated before is replaced; a ratio below
+  /// 0.001 removes it and shows the plain faces again. `notify` false makes all changes in silence.
+  ///
+  /// Returns false, and does nothing, for a wall outside a scene, with a face missing or of other
+  /// than one contour, a ratio above 0.99, and a wall with an opening that was not generated.
+  bool create_opening(float ratio, bool notify);
+
   /// True when the wall is to be highlighted while `item` is selected: the wall, its composition, a
   /// matter of its layers, its limit condition. False for null.
   bool is_selection_related(qv_item* item) const;
@@ -117,6 +127,8 @@ class qvi_wall : public qv_item, public qv_solar_income {
   void update_contact_type();
   void update_loss_area();
   void update_face_shaders();
+  void remove_piercing();
+  void add_generated_opening(const qv_polygon& contour);
   qv_list<qvi_polygon*> get_drawn_faces() const;
 
   // A copy-constructed wall shares its source's record.

@@ -189,7 +189,7 @@ void qv_item::set_name(const std::string& name) {
   if (name_ == name) return;
   qv_get_new_date();
   name_ = name;
-  item_changed(this, "name");
+  announce_change("name");
 }
 
 const std::string& qv_item::get_unique_id() const {
@@ -201,7 +201,7 @@ void qv_item::set_unique_id(const std::string& id) {
   if (unique_id_ == id) return;
   qv_get_new_date();
   unique_id_ = id;
-  item_changed(this, "unique_id");
+  announce_change("unique_id");
 }
 
 // --- notifications ---
@@ -211,16 +211,26 @@ void qv_item::item_added(qv_item* item) {
 }
 
 void qv_item::item_changed(qv_item* item, const std::string& name) {
-  if (item == this) {
-    local_date_ = qv_get_date();
-    stamp_upwards(local_date_);
-    if (scene_ != nullptr) scene_->note_change(this, name, local_date_);
-  }
+  if (item == this) take_note_of_change(name);
   if (parent_ != nullptr) parent_->item_changed(item, name);
 }
 
 void qv_item::item_removed(qv_item* item) {
   if (parent_ != nullptr) parent_->item_removed(item);
+}
+
+void qv_item::announce_change(const std::string& name) {
+  if (scene_ != nullptr && scene_->is_silent()) {
+    take_note_of_change(name);
+  } else {
+    item_changed(this, name);
+  }
+}
+
+void qv_item::take_note_of_change(const std::string& name) {
+  local_date_ = qv_get_date();
+  stamp_upwards(local_date_);
+  if (scene_ != nullptr) scene_->note_change(this, name, local_date_);
 }
 
 void qv_item::stamp_upwards(unsigned int date) {
@@ -265,7 +275,7 @@ void qv_item::add_child(qv_item* item, int index) {
   item->parent_ = this;
   stamp_upwards(qv_get_new_date());
   if (scene_ != nullptr) scene_->arrive(item);
-  item_added(item);
+  if (scene_ == nullptr || !scene_->is_silent()) item_added(item);
 }
 
 void qv_item::remove() {
@@ -281,7 +291,7 @@ void qv_item::detach() {
   siblings.resize(siblings.get_count() - 1);
   parent_ = nullptr;
   parent->stamp_upwards(qv_get_new_date());
-  parent->item_removed(this);
+  if (parent->scene_ == nullptr || !parent->scene_->is_silent()) parent->item_removed(this);
 }
 
 int qv_item::find_position_in_parent() const {
@@ -349,7 +359,7 @@ void qv_item::release_referrers(const std::unordered_set<const qv_item*>& doomed
     const bool announced = owner != nullptr && doomed.find(owner) == doomed.end();
     if (announced) param->set_date(qv_get_new_date());
     param->forget(this);
-    if (announced) owner->item_changed(owner, param->get_name());
+    if (announced) owner->announce_change(param->get_name());
   }
   for (qv_item* derived : referrers_->derived) derived->source_ = nullptr;
   referrers_.reset();

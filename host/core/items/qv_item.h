@@ -199,6 +199,9 @@ class qv_item {
 
   qv_param* declare(const std::string& name, qv_param::param_type type,
                     const qv_list<std::string>* labels, const qv_param_options& options);
+  // Item and scene take note of a change; the notification follows unless the scene keeps silence.
+  void announce_change(const std::string& name);
+  void take_note_of_change(const std::string& name);
   // This item and its ancestors were modified at `date`.
   void stamp_upwards(unsigned int date);
   // Out of the parent and the scene, dated and announced.
@@ -250,7 +253,7 @@ void qv_item::set_param_value(qv_param* param, const T& value) {
   if (!traits::accepts(param->get_param_type()) || traits::equals(*param, value)) return;
   param->set_date(qv_get_new_date());
   traits::store(*param, value);
-  item_changed(this, param->get_name());
+  announce_change(param->get_name());
 }
 
 template <class T>

@@ -33,7 +33,7 @@ int qv_item::copy_params(const qv_item* source) {
     if (mine == theirs || mine->has_same_value(*theirs)) continue;
     mine->set_date(qv_get_new_date());
     mine->store_value_of(*theirs);
-    item_changed(this, mine->get_name());
+    announce_change(mine->get_name());
   }
   return matched;
 }

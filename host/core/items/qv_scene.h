@@ -68,6 +68,9 @@ class qv_scene : public qv_item {
   /// base keeps no history.
   virtual void record_change(qv_item* item, const std::string& param_name);
 
+  /// True while a `qv_silence` on this scene lives.
+  bool is_silent() const { return silence_count_ > 0; }
+
   /// The item selected last and still selected, or null.
   qv_item* get_selected_item() const { return selected_item_; }
 
@@ -86,6 +89,7 @@ class qv_scene : public qv_item {
 
  private:
   friend class qv_item;
+  friend class qv_silence;
 
   struct type_index_entry {
     qv_list<qv_item*> items;
@@ -117,9 +121,28 @@ class qv_scene : public qv_item {
   std::map<std::string, qv_raytracing_layer*> raytracing_layers_;
   std::unordered_set<qv_item*> left_during_pass_;
   bool precomputing_ = false;
+  int silence_count_ = 0;
   unsigned int last_order_ = 0;
   unsigned int precomputed_date_ = 0;
   qv_item* selected_item_ = nullptr;
+};
+
+/// While it lives, changes in a scene are made without notifications: `item_added`, `item_changed`
+/// and `item_removed` are not called. Dates, indexes and observers still follow each change.
+/// Silences nest; a null scene is left alone.
+class qv_silence {
+ public:
+  explicit qv_silence(qv_scene* scene) : scene_(scene) {
+    if (scene_ != nullptr) ++scene_->silence_count_;
+  }
+  ~qv_silence() {
+    if (scene_ != nullptr) --scene_->silence_count_;
+  }
+  qv_silence(const qv_silence&) = delete;
+  qv_silence& operator=(const qv_silence&) = delete;
+
+ private:
+  qv_scene* scene_;
 };
 
 }  // namespace qv
