@@ -66,7 +66,18 @@ class qvi_connexion : public qv_item {
   /// The junction loses heat.
   bool is_lossy() const { return record_->lossy; }
 
+  /// Measures the segment and derives the type from the walls that meet: their contact types, their
+  /// directions, and the limit condition of the first lower floor among them. The type is `unknown`
+  /// where no rule applies.
+  void precompute() override;
+  /// Draws nothing: who shows connexions calls `render_opengl_raw`.
+  void render_opengl(bool selection) override;
+  /// The segment as a line, in the current colour and width.
+  void render_opengl_raw() override;
+
  private:
+  bool is_up_to_date() const;
+
   // A copy-constructed connexion shares its source's record.
   struct record {
     unsigned int date = 0;  // of the last computation; 0 never

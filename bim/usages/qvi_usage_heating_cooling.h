@@ -30,6 +30,8 @@ class qvi_usage_heating_cooling : public qvi_usage {
   QV_PARAM(int, cooling_end, 364)
   /// Set point of cooling, °C.
   QV_PARAM_ITEM(qvi_schedule, cooling_schedule)
+
+  qv_list<qvi_zone*> get_zones() const override;
 };
 
 }  // namespace qv

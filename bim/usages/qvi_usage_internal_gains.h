@@ -26,6 +26,9 @@ class qvi_usage_internal_gains : public qvi_usage {
   QV_PARAM(float, equipment_power, 0.0f)
   /// Use of the equipment over time.
   QV_PARAM_ITEM(qvi_schedule, equipment_schedule)
+
+  qv_list<qvi_zone*> get_zones() const override;
+  qv_list<qvi_space*> get_spaces() const override;
 };
 
 }  // namespace qv

@@ -22,6 +22,9 @@ class qvi_usage_lighting : public qvi_usage {
   /// Use of the light over time.
   QV_PARAM_ITEM(qvi_schedule, schedule)
 
+  qv_list<qvi_zone*> get_zones() const override;
+  qv_list<qvi_space*> get_spaces() const override;
+
  private:
   // A cell of the usage's own that starts at 0; a copy-constructed usage shares its source's.
   std::shared_ptr<int> cell_ = std::make_shared<int>(0);

@@ -19,6 +19,8 @@ class qvi_usage_ventilation : public qvi_usage {
   QV_PARAM(float, flow, 0.0f)
   /// Use of the ventilation over time.
   QV_PARAM_ITEM(qvi_schedule, schedule)
+
+  qv_list<qvi_zone*> get_zones() const override;
 };
 
 }  // namespace qv
