@@ -16,8 +16,9 @@ class qv_solid {
   /// Becomes the prism that `base` sweeps along `direction`: the base, its copy at the other end,
   /// and one rectangle (in general a parallelogram) for each edge of each contour, holes included.
   /// Faces in this order: base, opposite, then the sides by contour and edge. Normals point
-  /// outwards whichever side of the base the direction leaves. An empty base, a direction of length
-  /// 0, or one in the base's plane gives no faces.
+  /// outwards whichever side of the base the direction leaves. Contours that touch or cross are
+  /// replaced by those of the region that they enclose. An empty base, a direction of length 0, one
+  /// in the base's plane, or one that is not finite gives no faces.
   void extrusion(const qv_polygon& base, const qv_3dvector& direction);
 
   /// The faces; owned by the solid, valid until it changes.
@@ -26,7 +27,8 @@ class qv_solid {
   void add_face(const qv_polygon& face);
   /// Removes all faces.
   void clear();
-  /// Enclosed volume in m³ by the divergence theorem; negative when the faces point inwards.
+  /// Enclosed volume in m³ by the divergence theorem; negative when the faces point inwards, and
+  /// without meaning when they do not close.
   double get_volume() const;
 
  private:

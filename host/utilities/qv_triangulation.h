@@ -15,10 +15,11 @@ struct qv_triangulation {
 
 /// Splits the region of `polygon` into triangles, counter-clockwise about its normal.
 ///
-/// The polygon is normalised first (outer contours less the union of the holes); then the sum of
-/// the triangles' areas is the polygon's area to rounding. Vertices are the polygon's own, the same
-/// three floats, wherever contours do not cross. An empty polygon gives nothing. Every triangle has
-/// area.
+/// The contours are normalised first (even-odd rule); then the sum of the triangles' areas is the
+/// polygon's area to rounding, which is checked: where the tessellator misses it, another method
+/// takes over, and a miss that remains is logged. Vertices are the polygon's own, the same three
+/// floats, wherever contours do not cross, each once. An empty polygon gives nothing. Every
+/// triangle has area.
 qv_triangulation qv_triangulate(const qv_polygon& polygon);
 
 }  // namespace qv
