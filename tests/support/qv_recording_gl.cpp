@@ -21,6 +21,8 @@ std::string to_text(float number) {
 std::string capability_name(unsigned int capability) {
   if (capability == GL_LIGHTING) return "lighting";
   if (capability == GL_DEPTH_TEST) return "depth_test";
+  if (capability == GL_CULL_FACE) return "cull_face";
+  if (capability == GL_BLEND) return "blend";
   return std::to_string(capability);
 }
 
@@ -81,12 +83,13 @@ void gl_recorder::set_line_width(float width) {
 void gl_recorder::begin(unsigned int mode) {
   EXPECT_FALSE(is_open_) << "glBegin within glBegin";
   is_open_ = true;
-  open_ = {mode_name(mode), {}, color_, line_width_, lighting, depth_test};
+  open_ = {mode_name(mode), {}, color_, line_width_, lighting, depth_test, {}};
 }
 
 void gl_recorder::add_vertex(const qv::qv_3dvector& vertex) {
   EXPECT_TRUE(is_open_) << "vertex outside glBegin and glEnd";
-  open_.vertices.push_back(vertex);
+  open_.vertices.push_back(matrices_.back().transform_point(vertex));
+  open_.normals.push_back(matrices_.back().transform_direction(normal_));
 }
 
 void gl_recorder::end() {
@@ -94,6 +97,11 @@ void gl_recorder::end() {
   is_open_ = false;
   calls.push_back(open_.mode + ' ' + std::to_string(open_.vertices.size()));
   primitives.push_back(open_);
+}
+
+void gl_recorder::pop_matrix() {
+  EXPECT_GT(get_matrix_depth(), 0) << "glPopMatrix without glPushMatrix";
+  if (get_matrix_depth() > 0) matrices_.pop_back();
 }
 
 }  // namespace qv_test
@@ -141,7 +149,23 @@ void glVertex3d(GLdouble x, GLdouble y, GLdouble z) {
 void glVertex3dv(const GLdouble* v) {
   glVertex3d(v[0], v[1], v[2]);
 }
-void glNormal3f(GLfloat, GLfloat, GLfloat) {}
-void glNormal3fv(const GLfloat*) {}
+void glNormal3f(GLfloat x, GLfloat y, GLfloat z) {
+  if (current != nullptr) current->set_normal({x, y, z});
+}
+void glNormal3fv(const GLfloat* v) {
+  glNormal3f(v[0], v[1], v[2]);
+}
+void glPushMatrix() {
+  if (current != nullptr) current->push_matrix();
+}
+void glPopMatrix() {
+  if (current != nullptr) current->pop_matrix();
+}
+void glMultMatrixf(const GLfloat* columns) {
+  qv::qv_matrix matrix;
+  for (int row = 0; row < 4; ++row)
+    for (int column = 0; column < 4; ++column) matrix.set(row, column, columns[4 * column + row]);
+  if (current != nullptr) current->multiply_matrix(matrix);
+}
 
 }  // extern "C"

@@ -5,6 +5,7 @@
 
 #include "utilities/qv_3dvector.h"
 #include "utilities/qv_color.h"
+#include "utilities/qv_matrix.h"
 
 namespace qv_test {
 
@@ -17,6 +18,8 @@ struct gl_primitive {
   float line_width = 0;
   bool lighting = true;
   bool depth_test = true;
+  /// The normal that held at each vertex; the zero vector before the first one was given.
+  std::vector<qv::qv_3dvector> normals;
 
   bool is_contour() const { return mode.starts_with("line"); }
   bool is_surface() const { return !is_contour() && mode != "points"; }
@@ -25,6 +28,8 @@ struct gl_primitive {
 /// Takes the OpenGL calls of the process for as long as it lives. The functions it stands in for
 /// are defined in this test program, in front of the real library's; no context is needed, and
 /// without a recorder they do nothing.
+///
+/// Vertices and normals come as glMultMatrixf places them.
 ///
 /// Lighting and depth test start switched on, the colour is transparent black and the line width 0
 /// until they are set.
@@ -53,10 +58,18 @@ class gl_recorder {
   void begin(unsigned int mode);
   void add_vertex(const qv::qv_3dvector& vertex);
   void end();
+  void set_normal(const qv::qv_3dvector& normal) { normal_ = normal; }
+  void push_matrix() { matrices_.push_back(matrices_.back()); }
+  void multiply_matrix(const qv::qv_matrix& matrix) { matrices_.back() *= matrix; }
+  void pop_matrix();
+  /// Number of glPushMatrix still without their glPopMatrix.
+  int get_matrix_depth() const { return static_cast<int>(matrices_.size()) - 1; }
 
  private:
   gl_recorder* previous_;
   qv::qv_color color_{0, 0, 0, 0};
+  qv::qv_3dvector normal_;
+  std::vector<qv::qv_matrix> matrices_{qv::qv_matrix()};
   float line_width_ = 0;
   gl_primitive open_;
   bool is_open_ = false;
