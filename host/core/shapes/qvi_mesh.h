@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-
 #include "core/items/qv_accessors.h"
+#include "core/shapes/qv_shared_record.h"
 #include "core/shapes/qvi_shader.h"
 #include "utilities/qv_polygon.h"
+#include "utilities/qv_triangulation.h"
 
 namespace qv {
 
@@ -14,6 +14,9 @@ class qv_ray;
 ///
 /// The front is the side from which a triangle's vertices run counter-clockwise. Layers are names:
 /// a ray tracer or a view takes the meshes that bear its layer's name.
+///
+/// The parameters may hold anything; a triangle that names a vertex which is not there, and a list
+/// of indices that ends within a triangle, count as if they were not given.
 class qvi_mesh : public qv_item {
   QV_ITEM_CLASS(qvi_mesh, qv_item, "mesh")
 
@@ -28,19 +31,23 @@ class qvi_mesh : public qv_item {
   QV_PARAM_LIST(std::string, rendering_layers)
   QV_PARAM_LIST(std::string, raytracing_layers)
 
-  /// Date of the latest change of what the surface's shape and material depend on: its geometry
-  /// parameters and its front shader parameter.
+  /// Date of the latest change of the surface's shape. A transformation made without notification
+  /// counts here, though no parameter and no item bears its date.
+  virtual unsigned int get_shape_date() const;
+  /// Date of the latest change of what the surface's shape and material depend on: its shape and
+  /// its front shader parameter.
   virtual unsigned int get_geometry_date() const;
 
-  /// Total area of the triangles, m², summed in double precision.
+  /// Total area of the triangles, m², summed in double precision. Triangles that are not finite
+  /// count nothing.
   virtual float get_area();
-  virtual int get_nb_triangles();
-  virtual int get_nb_vertices();
+  int get_nb_triangles();
+  int get_nb_vertices();
   /// The corner points as drawn and traced: the "vertices" parameter, or for a polygon, solid or
   /// instance those of its triangulation.
-  virtual const qv_list<qv_3dvector>& get_triangle_vertices();
+  const qv_list<qv_3dvector>& get_triangle_vertices();
   /// Three indices into `get_triangle_vertices` for each triangle.
-  virtual const qv_list<int>& get_triangle_indices();
+  const qv_list<int>& get_triangle_indices();
   /// Corners of triangle `index`, and its unit normal when `normal` is not null. False, and nothing
   /// written, for an index out of range or a triangle whose vertex indices are out of range. A
   /// triangle without area has the zero normal.
@@ -53,24 +60,28 @@ class qvi_mesh : public qv_item {
   /// Replaces vertices and triangles; indices out of range are dropped with their triangle.
   void load_from_triangles(const qv_list<qv_3dvector>& vertices, const qv_list<int>& triangles);
   /// Adds the triangles of `other`; null and the mesh itself add nothing.
-  virtual void merge(qvi_mesh* other);
-  void merge(const qv_list<qvi_mesh*>& others);
+  void merge(qvi_mesh* other);
+  /// The same for each of `others`, in one step.
+  virtual void merge(const qv_list<qvi_mesh*>& others);
   /// Places the surface anew. `notify` false leaves out dates and notifications. A mirror image
   /// keeps front and back on their sides of the material (the winding is turned).
   virtual void matrix_transform(const qv_matrix& matrix, bool notify);
   /// Moves the surface by `distance` metres along its normals (each vertex along the area-weighted
-  /// mean normal of its triangles).
+  /// mean normal of the triangles that meet at its place). A distance that is not finite moves
+  /// nothing.
   virtual void push_offset(float distance);
   /// Turns the surface over: front becomes back, the shaders stay with their side of the material.
   virtual void reverse();
-  /// Welds vertices closer than `distance` metres (transitively along near neighbours: each vertex
-  /// joins the first kept vertex within the distance), drops triangles that lose their area by it,
-  /// and vertices that no triangle uses.
+  /// Welds vertices closer than `distance` metres (each vertex joins the first kept vertex within
+  /// the distance), drops triangles without area, and vertices that no triangle uses. Linear time
+  /// on average.
   void optimize_vertices(float distance);
-  /// The surface as plane polygons, one per connected group of coplanar triangles; the caller frees
-  /// them.
+  /// The surface as plane polygons, one per connected group of coplanar triangles, by their first
+  /// triangle; the caller frees them.
   virtual qv_list<qv_polygon*> build_raw_polygons();
 
+  /// The shader seen on the front or the back of the surface, or null.
+  virtual qvi_shader* get_side_shader(bool front);
   /// Colour that `ray` sees where it hit this mesh: its front or back shader's, by the side hit.
   /// False without a shader on that side or without a hit on this mesh.
   bool shade_ray(qv_ray* ray, qv_color& color);
@@ -80,8 +91,9 @@ class qvi_mesh : public qv_item {
   std::string to_json();
 
   qv_box get_local_bounding_box() override;
-  /// Draws the triangles with the shaders' colours when visible; nothing for `selection` unless
-  /// selected or under the mouse.
+  /// Draws both sides in their shaders' diffuse colours (in the default shader's without one) when
+  /// visible. For `selection`, the highlight of a mesh that is selected or under the mouse, else
+  /// nothing.
   void render_opengl(bool selection) override;
   /// GL_TRIANGLES with normals, current colour.
   void render_opengl_raw() override;
@@ -89,12 +101,45 @@ class qvi_mesh : public qv_item {
   void render_opengl_contour_raw() override;
 
  protected:
-  /// Stores geometry without stamping or announcing when `notify` is false, through the setter when
-  /// true.
+  /// False for a class whose triangles are made from something else; the operations on triangles
+  /// that such a class does not replace leave it as it is.
+  virtual bool has_own_triangles() const { return true; }
+  /// The triangles of a class that has none of its own, made when first asked for and kept until
+  /// the shape date changes.
+  virtual qv_triangulation build_triangulation();
+
+  /// Stores geometry through the setter; when `notify` is false without stamping or announcing.
   template <class T>
-  void store_geometry(qv_param* param, const T& value, bool notify);
-  qv_param* get_vertices_param() const { return vertices_param_; }
-  qv_param* get_triangles_param() const { return triangles_param_; }
+  void store_geometry(qv_param* param, const std::type_identity_t<T>& value, bool notify) {
+    if (notify) {
+      set_param_value<T>(param, value);
+    } else {
+      qv_param_traits<T>::store(*param, value);
+      derived_.get().quiet_date = qv_get_new_date();
+    }
+  }
+  void store_vertices(const qv_list<qv_3dvector>& vertices, bool notify) {
+    store_geometry<qv_list<qv_3dvector>>(vertices_param_, vertices, notify);
+  }
+  /// Back to front and front to back.
+  void exchange_shaders();
+  /// Draws one side of the triangles, whose winding and normals face whom it is meant for.
+  virtual void draw_side(bool front);
+
+ private:
+  // What follows from the geometry, shared with copies like the parameters that it follows from.
+  struct derived_geometry {
+    unsigned int quiet_date = 0;  // of the latest change without notification
+    unsigned int built_date = 0;  // shape date of the triangulation
+    bool built = false;
+    qv_triangulation triangulation;
+  };
+
+  const qv_triangulation& get_triangulation();
+  void draw_shaded();
+  void draw_highlight();
+
+  qv_shared_record<derived_geometry> derived_;
 };
 
 }  // namespace qv

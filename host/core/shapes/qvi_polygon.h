@@ -8,7 +8,9 @@ namespace qv {
 /// "mesh".
 ///
 /// Its "vertices" are the corners of its contours, one contour after the other; the triangles that
-/// are drawn and traced are made from them when first asked for and kept until they change.
+/// are drawn and traced are made from them when first asked for and kept until they change. Its own
+/// "triangles" stay empty, and operations on triangles (`load_from_triangles`,
+/// `optimize_vertices`) leave it as it is.
 class qvi_polygon : public qvi_mesh {
   QV_ITEM_CLASS(qvi_polygon, qvi_mesh, "polygon")
 
@@ -17,35 +19,33 @@ class qvi_polygon : public qvi_mesh {
   /// Number of vertices of each contour.
   QV_PARAM_LIST(unsigned int, contour_sizes)
 
-  /// Makes `polygon` this region.
-  void fill_polygon(qv_polygon* polygon);
+  /// Makes `polygon` this region: its plane through the first vertex (through the origin without
+  /// one), its contours as they are. Null is ignored.
+  void fill_polygon(qv_polygon* polygon) const;
 
-  unsigned int get_geometry_date() const override;
+  unsigned int get_shape_date() const override;
+  /// Area of the region, m²; needs no triangles.
   float get_area() override;
-  int get_nb_triangles() override;
-  int get_nb_vertices() override;
-  const qv_list<qv_3dvector>& get_triangle_vertices() override;
-  const qv_list<int>& get_triangle_indices() override;
   /// Becomes `polygon`'s region, contours and plane as they are. Null empties it.
   void load_from_polygon(const qv_polygon* polygon) override;
-  /// Unites `other`'s raw polygons into this region, projected onto its plane.
-  void merge(qvi_mesh* other) override;
+  /// Unites the others' raw polygons into this region, projected onto its plane.
+  void merge(const qv_list<qvi_mesh*>& others) override;
   using qvi_mesh::merge;
   void matrix_transform(const qv_matrix& matrix, bool notify) override;
-  /// Moves the region by `distance` metres along its normal.
+  /// Moves the region by `distance` metres along its normal. A distance that is not finite moves
+  /// nothing.
   void push_offset(float distance) override;
-  /// Opposite normal, every contour in reverse order.
+  /// Opposite normal, every contour in reverse order; the shaders stay with their side of the
+  /// material.
   void reverse() override;
-  /// One polygon, this region.
+  /// One polygon, this region; none when it has no contour.
   qv_list<qv_polygon*> build_raw_polygons() override;
-  void render_opengl(bool selection) override;
   /// GL_LINE_LOOP along each contour.
   void render_opengl_contour_raw() override;
 
- private:
-  struct triangulation_cache;
-  triangulation_cache& get_triangulation();
-  std::shared_ptr<triangulation_cache> triangulation_;
+ protected:
+  bool has_own_triangles() const override { return false; }
+  qv_triangulation build_triangulation() override;
 };
 
 }  // namespace qv

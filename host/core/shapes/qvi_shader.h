@@ -16,17 +16,28 @@ class qv_ray;
 class qvi_shader : public qv_item {
   QV_ITEM_CLASS(qvi_shader, qv_item, "shader")
 
+  /// A light grey.
+  static constexpr qv_color get_default_color() { return {0.8f, 0.8f, 0.8f, 1.0f}; }
+
   /// Colour of the surface; an alpha below 1 shows what lies behind.
-  QV_PARAM(qv_color, diffuse_color, qv_color(0.8f, 0.8f, 0.8f, 1.0f))
+  QV_PARAM(qv_color, diffuse_color, get_default_color())
   /// Colour of its highlights.
   QV_PARAM(qv_color, specular_color, qv_color(0.0f, 0.0f, 0.0f, 1.0f))
   /// Sharpness of its highlights, the exponent of OpenGL's GL_SHININESS, 0 … 128.
   QV_PARAM(float, shininess, 0.0f)
 
-  // One value per spectrum, index as in qv_spectrum: parameters "direct_reflexion",
-  // "direct_transmission", "diffuse_reflexion" and "diffuse_transmission", float lists of three.
-  // Default: diffuse reflexion 0.4, the others 0. An index outside the spectra reads 0 and sets
-  // nothing. An equal value stamps nothing.
+  // One value per spectrum, index as in qv_spectrum. An empty list, or one that is too short,
+  // stands for the defaults: diffuse reflexion 0.4, the others 0.
+  QV_PARAM_LIST(float, direct_reflexion)
+  QV_PARAM_LIST(float, direct_transmission)
+  QV_PARAM_LIST(float, diffuse_reflexion)
+  QV_PARAM_LIST(float, diffuse_transmission)
+
+  static constexpr float default_diffuse_reflexion = 0.4f;
+
+  // The same value by value. An index outside the spectra reads 0 and sets nothing. Setting an
+  // equal value stamps nothing; where all three are the defaults again, the list is empty again, so
+  // that shaders that do the same to radiation compare as similar.
   float get_direct_reflexion(qv_spectrum spectrum) const;
   float get_direct_transmission(qv_spectrum spectrum) const;
   float get_diffuse_reflexion(qv_spectrum spectrum) const;
@@ -37,17 +48,12 @@ class qvi_shader : public qv_item {
   void set_diffuse_transmission(float value, qv_spectrum spectrum);
 
   /// Colour that a ray sees on this surface after its hit: the diffuse colour, its red, green and
-  /// blue weighted by the cosine between the ray and the surface normal; unweighted for a null ray.
+  /// blue weighted by the cosine between the ray and the surface normal, on either side; unweighted
+  /// for a null ray.
   virtual qv_color compute_color(qv_ray* ray);
 
  private:
-  float get_coefficient(const qv_param* param, qv_spectrum spectrum) const;
-  void set_coefficient(qv_param* param, float value, qv_spectrum spectrum);
-
-  qv_param* direct_reflexion_param_;
-  qv_param* direct_transmission_param_;
-  qv_param* diffuse_reflexion_param_;
-  qv_param* diffuse_transmission_param_;
+  void set_coefficient(qv_param* param, float value, qv_spectrum spectrum, float default_value);
 };
 
 }  // namespace qv

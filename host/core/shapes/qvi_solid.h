@@ -9,7 +9,8 @@ namespace qv {
 /// A closed volume of plane faces as an item. Item type "solid", a kind of "mesh".
 ///
 /// Its "vertices" are the corners of its faces' contours, face after face; triangles are made from
-/// them when first asked for.
+/// them when first asked for. Its own "triangles" stay empty, and operations on triangles
+/// (`load_from_triangles`, `optimize_vertices`) leave it as it is.
 class qvi_solid : public qvi_mesh {
   QV_ITEM_CLASS(qvi_solid, qvi_mesh, "solid")
 
@@ -25,33 +26,32 @@ class qvi_solid : public qvi_mesh {
   /// One new polygon item per face, with the solid's shaders; the caller owns them.
   qv_list<qvi_polygon*> build_polygons();
 
-  unsigned int get_geometry_date() const override;
+  unsigned int get_shape_date() const override;
+  /// Area of the faces, m²; needs no triangles.
   float get_area() override;
-  int get_nb_triangles() override;
-  int get_nb_vertices() override;
-  const qv_list<qv_3dvector>& get_triangle_vertices() override;
-  const qv_list<int>& get_triangle_indices() override;
   /// Becomes a solid with this one face. Null empties it.
   void load_from_polygon(const qv_polygon* polygon) override;
-  /// Adds `other`'s faces (its raw polygons).
-  void merge(qvi_mesh* other) override;
+  /// Adds the others' faces (their raw polygons).
+  void merge(const qv_list<qvi_mesh*>& others) override;
   using qvi_mesh::merge;
   void matrix_transform(const qv_matrix& matrix, bool notify) override;
   /// Moves every face by `distance` metres along its outward normal, as far as the faces' common
-  /// corners allow (each corner moves so that it stays on its moved faces).
+  /// corners allow: each corner stays on its moved faces, on the first three of them where more
+  /// meet. A distance that is not finite moves nothing.
   void push_offset(float distance) override;
-  /// Turns every face over.
+  /// Turns every face over; the shaders stay with their side of the material.
   void reverse() override;
   /// One polygon per face.
   qv_list<qv_polygon*> build_raw_polygons() override;
-  void render_opengl(bool selection) override;
   /// GL_LINE_LOOP along each contour of each face.
   void render_opengl_contour_raw() override;
 
+ protected:
+  bool has_own_triangles() const override { return false; }
+  qv_triangulation build_triangulation() override;
+
  private:
-  struct triangulation_cache;
-  triangulation_cache& get_triangulation();
-  std::shared_ptr<triangulation_cache> triangulation_;
+  void store_faces(const qv_list<qv_polygon*>& faces);
 };
 
 }  // namespace qv
