@@ -64,6 +64,12 @@ class qv_import_ledger {
   /// the entry gives already is not repeated.
   void amend(std::size_t position, outcome result, const std::string& reason);
 
+  /// Sets the area of an entry once it is known, m².
+  void set_area(std::size_t position, double area) { entries_.at(position).area = area; }
+
+  /// Sets the line of an entry.
+  void set_line(std::size_t position, std::size_t line) { entries_.at(position).line = line; }
+
   /// In the order of the file within each kind.
   const std::vector<entry>& get_entries() const { return entries_; }
   /// Number of entries of a kind with an outcome.

@@ -1,0 +1,113 @@
+#include "app/readers/qv_gbxml_context.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <numeric>
+#include <utility>
+
+namespace qv {
+
+qv_gbxml_context::qv_gbxml_context(const qv_xml_document& document, qv_gbxml_model& model)
+    : document_(document), model_(model) {}
+
+void qv_gbxml_context::read_root_units() {
+  const qv_xml_element root = document_.get_root();
+  const auto take = [&](const char* attribute, qv_quantity quantity, std::string& written,
+                        qv_unit without) {
+    written = std::string(root.get_attribute(attribute));
+    qv_unit& unit = root_units_[static_cast<std::size_t>(quantity)];
+    unit = without;
+    if (written.empty()) return false;
+    const auto found = qv_find_unit(quantity, written);
+    if (!found)
+      fail(root, std::string(attribute) + "=\"" + qv_one_line(written, 60) + "\" is no known unit",
+           "write one of gbXML's units, for example Meters, SquareMeters, CubicMeters, C");
+    unit = *found;
+    return true;
+  };
+  if (!take("lengthUnit", qv_quantity::length, model_.units.length, {}))
+    warn(root, "has no lengthUnit; metres are assumed");
+  const double length = root_units_[0].factor;
+  if (!take("areaUnit", qv_quantity::area, model_.units.area, {length * length}))
+    warn(root, "has no areaUnit; the square of the length unit is assumed");
+  if (!take("volumeUnit", qv_quantity::volume, model_.units.volume, {length * length * length}))
+    warn(root, "has no volumeUnit; the cube of the length unit is assumed");
+  if (!take("temperatureUnit", qv_quantity::temperature, model_.units.temperature, {}))
+    warn(root, "has no temperatureUnit; degrees Celsius are assumed");
+}
+
+std::optional<double> qv_gbxml_context::parse_number(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
+  double value = 0;
+  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (fault != std::errc() || end != text.data() + text.size() || !std::isfinite(value))
+    return std::nullopt;
+  return value;
+}
+
+qv_unit qv_gbxml_context::get_unit(qv_xml_element element, qv_quantity quantity) {
+  const auto index = static_cast<std::size_t>(quantity);
+  const qv_unit inherited = index < root_units_.size() ? root_units_[index] : qv_unit{};
+  const std::string_view own = element.get_attribute("unit");
+  if (own.empty()) return inherited;
+  if (const auto found = qv_find_unit(quantity, own)) return *found;
+  warn(element, "the unit \"" + qv_one_line(std::string(own), 60) + "\" of a " +
+                    std::string(element.get_name()) + " is not known; " +
+                    (index < root_units_.size() ? "the file's own" : "SI") + " is assumed");
+  return inherited;
+}
+
+std::optional<double> qv_gbxml_context::read_measure(qv_xml_element element, qv_quantity quantity) {
+  if (!element) return std::nullopt;
+  const std::string_view text = element.get_text();
+  const auto number = parse_number(text);
+  if (!number) {
+    if (!text.empty())
+      warn(element, "\"" + qv_one_line(std::string(text), 40) + "\" is no number for a " +
+                        std::string(element.get_name()) + "; ignored");
+    return std::nullopt;
+  }
+  return get_unit(element, quantity).to_model(*number);
+}
+
+qv_input_place qv_gbxml_context::get_place(qv_xml_element element) const {
+  return {document_.get_name(), document_.get_line(element), std::string(element.get_name()),
+          std::string(element.get_attribute("id"))};
+}
+
+void qv_gbxml_context::fail(qv_xml_element element, const std::string& problem,
+                            const std::string& advice) const {
+  throw qv_input_error(qv_input_error::kind::bad_input, get_place(element), problem, advice);
+}
+
+void qv_gbxml_context::warn(qv_xml_element element, const std::string& words) {
+  const auto [slot, fresh] = warning_by_words_.try_emplace(words, warnings_.size());
+  if (fresh) warnings_.push_back({qv_describe_place(get_place(element)), words, 0});
+  ++warnings_[slot->second].count;
+}
+
+void qv_gbxml_context::finish() {
+  for (const warning& w : warnings_) {
+    std::string text = w.place + ": " + w.words;
+    if (w.count > 1) text += " (and at " + std::to_string(w.count - 1) + " further places)";
+    model_.warnings.push_back(qv_one_line(text, 1000));
+  }
+  // In the order of the file, so that its lines are counted once.
+  std::vector<std::size_t> order(entry_offsets_.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::sort(order.begin(), order.end(),
+            [this](std::size_t a, std::size_t b) { return entry_offsets_[a] < entry_offsets_[b]; });
+  for (const std::size_t i : order)
+    model_.ledger.set_line(i, document_.get_line(entry_offsets_[i]));
+}
+
+std::size_t qv_gbxml_context::add_entry(qv_import_ledger::kind kind, qv_xml_element element,
+                                        qv_import_ledger::outcome outcome, std::string reason,
+                                        double area) {
+  entry_offsets_.push_back(element.get_offset());
+  return model_.ledger.add(
+      {kind, std::string(element.get_attribute("id")), outcome, std::move(reason), area, 0});
+}
+
+}  // namespace qv

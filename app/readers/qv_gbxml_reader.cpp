@@ -1,0 +1,132 @@
+#include "app/readers/qv_gbxml_reader.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "app/readers/qv_gbxml_constructions.h"
+#include "app/readers/qv_gbxml_context.h"
+#include "app/readers/qv_gbxml_site.h"
+#include "app/readers/qv_gbxml_surfaces.h"
+#include "app/readers/qv_gbxml_walls.h"
+#include "app/readers/qv_unique_ids.h"
+#include "app/readers/qv_xml_document.h"
+#include "bim/project/qvi_bim_root.h"
+#include "bim/qv_load_bim_items.h"
+
+namespace {
+
+using qv::qv_input_error;
+
+[[noreturn]] void fail_to_read(const std::string& path, const std::string& problem,
+                               const std::string& advice) {
+  throw qv_input_error(qv_input_error::kind::no_access, {path, 0, "", ""}, problem, advice);
+}
+
+std::string read_bytes(const std::string& path) {
+  std::error_code fault;
+  const auto status = std::filesystem::status(path, fault);
+  if (!std::filesystem::exists(status))
+    fail_to_read(path, "there is no such file", "check the path");
+  if (std::filesystem::is_directory(status))
+    fail_to_read(path, "is a directory", "name a gbXML file in it");
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                             &std::fclose);
+  if (file == nullptr)
+    fail_to_read(path, std::string("cannot be opened: ") + std::strerror(errno),
+                 "check its permissions");
+  std::string bytes;
+  const auto size = std::filesystem::file_size(path, fault);
+  constexpr std::size_t least_piece = 65536;
+  if (!fault) bytes.reserve(static_cast<std::size_t>(size) + least_piece);
+  for (;;) {
+    const std::size_t before = bytes.size();
+    bytes.resize(std::max(bytes.capacity(), before + least_piece));
+    const std::size_t count =
+        std::fread(bytes.data() + before, 1, bytes.size() - before, file.get());
+    bytes.resize(before + count);
+    if (count == 0) break;
+  }
+  if (std::ferror(file.get()) != 0)
+    fail_to_read(path, std::string("cannot be read: ") + std::strerror(errno), "check the disk");
+  return bytes;
+}
+
+std::string read_program(qv::qv_xml_element root) {
+  const qv::qv_xml_element program = root.get_child("DocumentHistory").get_child("ProgramInfo");
+  std::string text(program.get_child_text("ProductName"));
+  const std::string_view version = program.get_child_text("Version");
+  if (!text.empty() && !version.empty()) text += " ";
+  return text + std::string(version);
+}
+
+void note_window_types(qv::qv_gbxml_context& context, qv::qv_xml_element root) {
+  for (const qv::qv_xml_element child : root)
+    if (child.is("WindowType"))
+      context.add_entry(qv::qv_import_ledger::kind::window_type, child,
+                        qv::qv_import_ledger::outcome::not_read,
+                        "window types are read by a later version");
+}
+
+void build_model(qv::qv_gbxml_context& context) {
+  const qv::qv_xml_element root = context.get_document().get_root();
+  if (!root.is("gbXML"))
+    context.fail(root, "is not gbXML: its root is <" + std::string(root.get_full_name()) + ">",
+                 "export the model as gbXML");
+  context.read_root_units();
+  qv::qv_gbxml_model& model = context.get_model();
+  model.program = read_program(root);
+
+  qv::qv_gbxml_constructions constructions(context);
+  constructions.read(root);
+  note_window_types(context, root);
+  qv::qv_gbxml_site site(context);
+  site.read(root);
+  qv::qv_gbxml_surfaces surfaces(context, site, constructions);
+  surfaces.read();
+  surfaces.bring_to_origin();
+  surfaces.merge_duplicates();
+  qv::qv_gbxml_walls walls(context, site, constructions, surfaces);
+  walls.turn_outwards();
+  walls.choose_types();
+  walls.measure_spaces();
+
+  qv_load_bim_items();
+  model.scene = std::make_unique<qv::qv_scene>();
+  model.root = new qv::qvi_bim_root;
+  model.scene->add_child(model.root, -1);
+  model.root->set_name(context.get_document().get_name());
+  model.root->set_original_walls_spaces(true);
+  qv::qv_unique_ids ids;
+  constructions.make_items(model.root, ids);
+  site.make_items(model.root, ids);
+  walls.make_items(ids);
+  context.finish();
+}
+
+}  // namespace
+
+namespace qv {
+
+qv_gbxml_model qv_read_gbxml(const std::string& path) {
+  try {
+    return qv_read_gbxml_bytes(path, read_bytes(path));
+  } catch (const std::bad_alloc&) {
+    fail_to_read(path, "is too large for the memory of this machine", "split the model");
+  }
+}
+
+qv_gbxml_model qv_read_gbxml_bytes(const std::string& name, std::string bytes) {
+  const qv_xml_document document(name, std::move(bytes));
+  qv_gbxml_model model;
+  model.warnings = document.get_warnings();
+  qv_gbxml_context context(document, model);
+  build_model(context);
+  return model;
+}
+
+}  // namespace qv

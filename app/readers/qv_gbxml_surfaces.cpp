@@ -1,0 +1,283 @@
+#include "app/readers/qv_gbxml_surfaces.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <utility>
+
+#include "app/readers/qv_gbxml_geometry.h"
+
+namespace {
+
+using qv::qv_double3;
+using qv::qv_gbxml_surface;
+using qv::qv_import_ledger;
+using qv::qv_surface_type;
+using kind = qv_import_ledger::kind;
+using outcome = qv_import_ledger::outcome;
+
+// m; farther out neighbouring floats lie more than 0.1 mm apart.
+constexpr double largest_distance = 1500;
+
+std::string quoted(std::string_view id) {
+  return "\"" + qv::qv_one_line(std::string(id), 80) + "\"";
+}
+
+double median(std::vector<double>& values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+// The same for every rotation and both directions of a contour.
+std::uint64_t contour_hash(const std::vector<int>& contour) {
+  std::uint64_t sum = contour.size();
+  for (const int corner : contour) {
+    std::uint64_t h = static_cast<std::uint64_t>(corner) * 0x9E3779B97F4A7C15U;
+    h ^= h >> 31U;
+    sum += h * 0xC2B2AE3D27D4EB4FU;
+  }
+  return sum;
+}
+
+// True when the closed contours visit the same corners in the same or in the opposite order.
+bool is_same_contour(const std::vector<int>& a, const std::vector<int>& b) {
+  const std::size_t n = a.size();
+  if (n != b.size()) return false;
+  for (std::size_t start = 0; start < n; ++start) {
+    if (b[start] != a[0]) continue;
+    bool forwards = true;
+    bool backwards = true;
+    for (std::size_t i = 1; i < n && (forwards || backwards); ++i) {
+      forwards = forwards && a[i] == b[(start + i) % n];
+      backwards = backwards && a[i] == b[(start + n - i) % n];
+    }
+    if (forwards || backwards) return true;
+  }
+  return false;
+}
+
+const std::vector<int>* single_contour(const qv_gbxml_surface& surface) {
+  if (surface.shells.size() != 1 || surface.shells[0].contours.size() != 1) return nullptr;
+  return &surface.shells[0].contours[0];
+}
+
+}  // namespace
+
+namespace qv {
+
+void qv_gbxml_surfaces::read() {
+  const auto& places = site_.get_surfaces();
+  if (places.empty())
+    context_.fail(context_.get_document().get_root(), "holds no Surface",
+                  "export the model with its analytical surfaces");
+  surfaces_.reserve(places.size());
+  for (const qv_gbxml_site::surface_place& place : places) read_surface(place);
+  for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+    if (surfaces_[i].id.empty()) continue;
+    const auto [slot, fresh] = surface_by_id_.try_emplace(surfaces_[i].id, static_cast<int>(i));
+    if (!fresh) same_ids_.emplace_back(slot->second, static_cast<int>(i));
+  }
+  site_.check_boundaries(surface_by_id_);
+}
+
+void qv_gbxml_surfaces::read_surface(const qv_gbxml_site::surface_place& place) {
+  qv_gbxml_surface surface;
+  surface.element = place.element;
+  surface.campus = place.campus;
+  surface.id = std::string(place.element.get_attribute("id"));
+  const std::string_view name = place.element.get_child_text("Name");
+  surface.name = name.empty() ? surface.id : std::string(name);
+  surface.entry = context_.add_entry(kind::surface, place.element, outcome::kept, "");
+  qv_import_ledger& ledger = context_.get_ledger();
+
+  const std::string_view type = place.element.get_attribute("surfaceType");
+  bool guessed = false;
+  surface.type = qv_find_surface_type(type, guessed);
+  if (guessed || surface.type == qv_surface_type::unknown)
+    ledger.amend(surface.entry, outcome::repaired,
+                 "surfaceType " + quoted(type) + " is none; " +
+                     (guessed ? std::string("read as ") + qv_get_surface_type_name(surface.type)
+                              : "its spaces and slope decide"));
+  read_adjacency(surface);
+  read_construction(surface);
+
+  qv_read_polygon raw = qv_read_surface_polygon(context_, place.element);
+  if (raw.fault.empty()) {
+    surface.polygon = qv_clean_polygon(std::move(raw.points));
+  } else {
+    surface.polygon.fault = std::move(raw.fault);
+  }
+  ledger.set_area(surface.entry, surface.polygon.area);
+  if (!raw.repair.empty()) ledger.amend(surface.entry, outcome::repaired, raw.repair);
+  for (const std::string& repair : surface.polygon.repairs)
+    ledger.amend(surface.entry, outcome::repaired, repair);
+  if (surface.polygon.parts.empty())
+    ledger.amend(surface.entry, outcome::dropped, surface.polygon.fault);
+  read_openings(surface);
+  surfaces_.push_back(std::move(surface));
+}
+
+void qv_gbxml_surfaces::read_adjacency(qv_gbxml_surface& surface) {
+  qv_import_ledger& ledger = context_.get_ledger();
+  int named = 0;
+  std::vector<int> found;
+  for (const qv_xml_element child : surface.element) {
+    if (!child.is("AdjacentSpaceId")) continue;
+    ++named;
+    const std::string_view reference = child.get_attribute("spaceIdRef");
+    const int space = site_.find_space(reference);
+    if (space >= 0) {
+      found.push_back(space);
+    } else {
+      ledger.amend(surface.entry, outcome::repaired,
+                   "Space " + quoted(reference) + " is not in the file");
+    }
+  }
+  if (found.empty()) {
+    if (named == 0 && surface.type != qv_surface_type::shade)
+      ledger.amend(surface.entry, outcome::kept, "it names no space: shading only");
+    return;
+  }
+  if (surface.type == qv_surface_type::shade && found.size() == 1) {
+    ledger.amend(surface.entry, outcome::kept, "shading; the space that it names is not bounded");
+    return;
+  }
+  surface.spaces[0] = found[0];
+  const auto other =
+      std::find_if(found.begin(), found.end(), [&found](int space) { return space != found[0]; });
+  if (other != found.end()) {
+    surface.spaces[1] = *other;
+  } else if (found.size() > 1) {
+    surface.spaces[1] = found[1];
+    ledger.amend(surface.entry, outcome::kept, "the same space on both sides");
+  }
+  if (found.size() > 2)
+    ledger.amend(surface.entry, outcome::repaired,
+                 "it names " + std::to_string(found.size()) +
+                     " spaces; the first two different ones were taken");
+  if (surface.type == qv_surface_type::shade)
+    ledger.amend(surface.entry, outcome::repaired, "a shade between two spaces: it bounds both");
+}
+
+void qv_gbxml_surfaces::read_construction(qv_gbxml_surface& surface) {
+  const std::string_view reference = surface.element.get_attribute("constructionIdRef");
+  if (reference.empty()) return;
+  surface.construction = constructions_.find(reference);
+  if (surface.construction < 0)
+    context_.get_ledger().amend(surface.entry, outcome::repaired,
+                                "Construction " + quoted(reference) + " is not in the file");
+}
+
+void qv_gbxml_surfaces::read_openings(const qv_gbxml_surface& surface) {
+  for (const qv_xml_element child : surface.element) {
+    if (!child.is("Opening")) continue;
+    const qv_read_polygon raw = qv_read_surface_polygon(context_, child);
+    const double area = raw.fault.empty() ? qv_vector_area(raw.points).length() : 0;
+    context_.add_entry(kind::opening, child, outcome::not_read,
+                       "openings are read by a later version; the wall stays whole",
+                       std::isfinite(area) ? area : 0);
+  }
+}
+
+void qv_gbxml_surfaces::bring_to_origin() {
+  std::vector<double> x;
+  std::vector<double> y;
+  std::vector<double> z;
+  for (const qv_gbxml_surface& surface : surfaces_) {
+    if (surface.polygon.parts.empty()) continue;
+    const qv_double3& corner = surface.polygon.parts[0].contours[0][0];
+    x.push_back(corner.x);
+    y.push_back(corner.y);
+    z.push_back(corner.z);
+  }
+  if (x.empty()) return;
+  const auto shift = [](std::vector<double>& values) {
+    const double m = median(values);
+    return std::abs(m) > largest_distance ? std::round(m) : 0.0;
+  };
+  const qv_double3 origin = {shift(x), shift(y), shift(z)};
+  if (origin == qv_double3{}) return;
+  for (qv_gbxml_surface& surface : surfaces_)
+    for (qv_plane_part& part : surface.polygon.parts)
+      for (qv_loop& contour : part.contours)
+        for (qv_double3& p : contour) p = p - origin;
+  double* kept = context_.get_model().origin;
+  kept[0] = origin.x;
+  kept[1] = origin.y;
+  kept[2] = origin.z;
+  context_.warn(context_.get_document().get_root(),
+                "the model lies far from the origin and was moved by whole metres");
+}
+
+void qv_gbxml_surfaces::number_corners() {
+  for (qv_gbxml_surface& surface : surfaces_)
+    for (const qv_plane_part& part : surface.polygon.parts) {
+      qv_shell_polygon shell;
+      for (const qv_loop& contour : part.contours) {
+        std::vector<int>& numbers = shell.contours.emplace_back();
+        numbers.reserve(contour.size());
+        for (const qv_double3& p : contour) numbers.push_back(welder_.weld(p));
+      }
+      surface.shells.push_back(std::move(shell));
+    }
+}
+
+void qv_gbxml_surfaces::merge_duplicates() {
+  number_corners();
+  std::unordered_multimap<std::uint64_t, int> by_contour;
+  for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+    const std::vector<int>* contour = single_contour(surfaces_[i]);
+    if (contour == nullptr) continue;
+    const std::uint64_t hash = contour_hash(*contour);
+    const auto [first, last] = by_contour.equal_range(hash);
+    const bool merged = std::any_of(first, last, [&](const auto& candidate) {
+      qv_gbxml_surface& earlier = surfaces_[static_cast<std::size_t>(candidate.second)];
+      return is_same_contour(*single_contour(earlier), *contour) &&
+             merge(earlier, candidate.second, surfaces_[i]);
+    });
+    if (!merged) by_contour.emplace(hash, static_cast<int>(i));
+  }
+  check_ids();
+}
+
+// Makes `first`'s wall stand for `second` too, unless they bound more than two spaces together or
+// one bounds and the other shades.
+bool qv_gbxml_surfaces::merge(qv_gbxml_surface& first, int first_number, qv_gbxml_surface& second) {
+  if ((first.get_space_count() == 0) != (second.get_space_count() == 0)) return false;
+  std::vector<int> spaces;
+  for (const int space : {first.spaces[0], first.spaces[1], second.spaces[0], second.spaces[1]})
+    if (space >= 0 && std::find(spaces.begin(), spaces.end(), space) == spaces.end())
+      spaces.push_back(space);
+  if (spaces.size() > 2) return false;
+  const bool one_space_twice =
+      spaces.size() == 1 && (first.get_space_count() == 2 || second.get_space_count() == 2);
+  // A partition within one space is another thing than that space's outer wall.
+  if (one_space_twice && first.get_space_count() != second.get_space_count()) return false;
+
+  qv_import_ledger& ledger = context_.get_ledger();
+  ledger.amend(second.entry, outcome::merged,
+               "listed twice: the wall of Surface " + quoted(first.id) + " stands for both");
+  if (spaces.size() == 2 && first.get_space_count() == 1) {
+    first.spaces = {spaces[0], spaces[1]};
+    ledger.amend(first.entry, outcome::repaired, "its other side is Surface " + quoted(second.id));
+  }
+  if (first.construction < 0) first.construction = second.construction;
+  if (!second.id.empty() && second.id != first.id) first.merged_ids.push_back(second.id);
+  second.merged_into = first_number;
+  return true;
+}
+
+void qv_gbxml_surfaces::check_ids() {
+  for (const auto& [first, second] : same_ids_) {
+    const qv_gbxml_surface& later = surfaces_[static_cast<std::size_t>(second)];
+    if (later.merged_into >= 0 || later.polygon.parts.empty()) continue;
+    context_.fail(later.element,
+                  "a second Surface bears this id, the first one in line " +
+                      std::to_string(context_.get_document().get_line(
+                          surfaces_[static_cast<std::size_t>(first)].element)),
+                  "give each Surface an id of its own");
+  }
+}
+
+}  // namespace qv

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pugi {
+struct xml_node_struct;
+}
+
+namespace qv {
+
+/// An element of an XML document, looked at by local names: `gb:Surface` is "Surface". A light
+/// handle that is valid as long as its document; a null handle has no children, attributes or text.
+class qv_xml_element {
+ public:
+  qv_xml_element() = default;
+  explicit qv_xml_element(pugi::xml_node_struct* node) : node_(node) {}
+
+  explicit operator bool() const { return node_ != nullptr; }
+
+  /// Local name.
+  std::string_view get_name() const;
+  /// The name as written, with its prefix.
+  std::string_view get_full_name() const;
+  bool is(std::string_view local_name) const { return get_name() == local_name; }
+
+  /// First child element, and the element that follows this one among its parent's.
+  qv_xml_element get_first_child() const;
+  qv_xml_element get_next() const;
+  /// First child element of that local name.
+  qv_xml_element get_child(std::string_view local_name) const;
+
+  /// Value of the attribute of that local name; empty without one.
+  std::string_view get_attribute(std::string_view local_name) const;
+  /// The element's own text without white space at its ends; empty without any. Of text that
+  /// comments or elements interrupt, the first piece.
+  std::string_view get_text() const;
+  /// Text of the first child element of that local name.
+  std::string_view get_child_text(std::string_view local_name) const;
+
+  /// Byte offset in the document's text.
+  std::size_t get_offset() const;
+
+  /// So that `for (qv_xml_element child : element)` goes over the child elements.
+  class iterator {
+   public:
+    explicit iterator(pugi::xml_node_struct* node) : node_(node) {}
+    qv_xml_element operator*() const { return qv_xml_element(node_); }
+    iterator& operator++();
+    bool operator==(const iterator&) const = default;
+
+   private:
+    pugi::xml_node_struct* node_;
+  };
+  iterator begin() const;
+  iterator end() const { return iterator(nullptr); }
+
+ private:
+  pugi::xml_node_struct* node_ = nullptr;
+};
+
+/// A checked and parsed XML document.
+class qv_xml_document {
+ public:
+  /// Decodes, checks and parses `bytes`. `name` is the file in messages. Throws `qv_input_error`
+  /// (bad input) with the line for what is not well-formed.
+  qv_xml_document(std::string name, std::string bytes);
+  ~qv_xml_document();
+  qv_xml_document(const qv_xml_document&) = delete;
+  qv_xml_document& operator=(const qv_xml_document&) = delete;
+
+  const std::string& get_name() const { return name_; }
+  qv_xml_element get_root() const;
+  /// What was odd about the encoding.
+  const std::vector<std::string>& get_warnings() const { return warnings_; }
+  /// Line at which the element begins, from 1.
+  std::size_t get_line(qv_xml_element element) const { return get_line(element.get_offset()); }
+  /// Line of an element's offset, from 1. Costs the distance from the offset asked for before.
+  std::size_t get_line(std::size_t offset) const;
+
+ private:
+  struct parsed;
+
+  std::string name_;
+  std::vector<std::string> warnings_;  // before the text, whose decoding fills it
+  std::string text_;
+  std::unique_ptr<parsed> parsed_;
+  // The last question about a line and its answer.
+  mutable std::size_t counted_offset_ = 0;
+  mutable std::size_t counted_line_ = 1;
+};
+
+}  // namespace qv
