@@ -115,7 +115,7 @@ class qv_list {
   template <class Iterator>
   void assign(Iterator first, Iterator last) {
     const auto count = static_cast<int>(last - first);
-    if (count == 0) return;
+    if (count <= 0) return;
     reserve(count);
     std::copy(first, last, elements_);
     count_ = count;
