@@ -82,7 +82,7 @@ void qv_item::render_opengl_contour_raw() {}
 qv_param* qv_item::declare(const std::string& name, qv_param::param_type type,
                            const qv_list<std::string>* labels, const qv_param_options& options) {
   if (qv_param* known = params_->find(name)) return known;
-  return params_->add(qv_param_declaration::get(name, type, labels, options), local_date_);
+  return params_->add(qv_param_declaration::get_index(name, type, labels, options), local_date_);
 }
 
 qv_param* qv_item::add_param_float(const std::string& name, float value,

@@ -1,9 +1,15 @@
 #include "core/items/qv_param.h"
 
+#include <algorithm>
+#include <array>
+#include <cassert>
 #include <cmath>
 #include <cstddef>
+#include <memory>
 #include <new>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "core/items/qv_item.h"
 #include "core/items/qv_param_store.h"
@@ -19,19 +25,77 @@ const T& empty_value() {
   return value;
 }
 
+/// A value on the heap. Parameters that copied it from each other share it until one is set anew.
+template <class T>
+struct shared_value {
+  T value;
+  unsigned int user_count = 1;
+};
+
 template <class T>
 const T& heap_value(const void* heap) {
-  return heap == nullptr ? empty_value<T>() : *static_cast<const T*>(heap);
+  return heap == nullptr ? empty_value<T>() : static_cast<const shared_value<T>*>(heap)->value;
+}
+
+template <class T>
+void release_heap_value(void* heap) {
+  auto* const shared = static_cast<shared_value<T>*>(heap);
+  if (shared != nullptr && --shared->user_count == 0) delete shared;
+}
+
+template <class T>
+void share_heap_value(void*& heap, void* other) {
+  if (other != nullptr) ++static_cast<shared_value<T>*>(other)->user_count;
+  release_heap_value<T>(heap);
+  heap = other;
 }
 
 template <class T>
 void store_heap_value(void*& heap, const T& value) {
-  if (heap == &value) return;
-  if (heap != nullptr) {
-    *static_cast<T*>(heap) = value;
-  } else if (!(value == empty_value<T>())) {
-    heap = new T(value);
+  auto* const present = static_cast<shared_value<T>*>(heap);
+  if (present != nullptr && &present->value == &value) return;
+  if (present != nullptr && present->user_count == 1) {
+    present->value = value;
+    return;
   }
+  void* const stored = value == empty_value<T>() ? nullptr : new shared_value<T>{value};
+  release_heap_value<T>(heap);
+  heap = stored;
+}
+
+/// The string lists stored last: a model's meshes bear the same few layer lists over and over.
+class recent_string_lists {
+ public:
+  using list = qv_list<std::string>;
+
+  /// Stores `value`, in common with an equal recent one where there is one.
+  void store(void*& heap, const list& value) {
+    if (value.get_count() == 0 || value.get_count() > largest_count) {
+      store_heap_value(heap, value);
+      return;
+    }
+    std::size_t place = 0;
+    while (place < recent_.size() - 1 && recent_[place] != nullptr &&
+           !(heap_value<list>(recent_[place]) == value)) {
+      ++place;
+    }
+    if (!(heap_value<list>(recent_[place]) == value)) {
+      release_heap_value<list>(recent_[place]);
+      recent_[place] = new shared_value<list>{value};
+    }
+    std::rotate(recent_.begin(), recent_.begin() + static_cast<std::ptrdiff_t>(place),
+                recent_.begin() + static_cast<std::ptrdiff_t>(place) + 1);
+    share_heap_value<list>(heap, recent_[0]);
+  }
+
+ private:
+  static constexpr int largest_count = 8;
+  std::array<void*, 16> recent_{};  // latest first
+};
+
+void store_string_list_value(void*& heap, const qv_list<std::string>& value) {
+  static auto& recent = *new recent_string_lists;
+  recent.store(heap, value);
 }
 
 bool within(float a, float b, float tolerance) {
@@ -39,44 +103,59 @@ bool within(float a, float b, float tolerance) {
                        static_cast<double>(tolerance);
 }
 
+// What the index of a parameter's declaration can hold.
+[[maybe_unused]] constexpr std::size_t largest_declaration_index = (1u << 20) - 1;
+
+std::vector<std::unique_ptr<qv_param_declaration>>& get_declarations() {
+  static auto& declarations = *new std::vector<std::unique_ptr<qv_param_declaration>>;
+  return declarations;
+}
+
 }  // namespace
 
 // --- declarations ---
 
-const qv_param_declaration* qv_param_declaration::get(const std::string& name,
-                                                      qv_param::param_type type,
-                                                      const qv_list<std::string>* labels,
-                                                      const qv_param_options& options) {
-  using declarations = std::vector<std::unique_ptr<qv_param_declaration>>;
-  static auto& by_name = *new std::unordered_map<std::string, declarations>;
-  declarations& same_name = by_name[name];
-  for (const auto& known : same_name) {
-    if (known->type == type && known->labels == labels &&
-        known->options.tolerance == options.tolerance &&
-        known->options.compared == options.compared) {
-      return known.get();
+unsigned int qv_param_declaration::get_index(const std::string& name, qv_param::param_type type,
+                                             const qv_list<std::string>* labels,
+                                             const qv_param_options& options) {
+  static auto& by_name = *new std::unordered_map<std::string, std::vector<unsigned int>>;
+  auto& declarations = get_declarations();
+  std::vector<unsigned int>& same_name = by_name[name];
+  for (const unsigned int index : same_name) {
+    const qv_param_declaration& known = *declarations[index];
+    if (known.type == type && known.labels == labels &&
+        known.options.tolerance == options.tolerance &&
+        known.options.compared == options.compared) {
+      return index;
     }
   }
-  same_name.push_back(
+  assert(declarations.size() <= largest_declaration_index);
+  same_name.push_back(static_cast<unsigned int>(declarations.size()));
+  declarations.push_back(
       std::unique_ptr<qv_param_declaration>(new qv_param_declaration{name, type, labels, options}));
-  return same_name.back().get();
+  return same_name.back();
+}
+
+const qv_param_declaration& qv_param_declaration::at(unsigned int index) {
+  return *get_declarations()[index];
 }
 
 // --- store ---
 
-struct qv_param_store::block {
-  alignas(qv_param) std::byte params[block_size][sizeof(qv_param)];
-  qv_param* at(int index) { return std::launder(reinterpret_cast<qv_param*>(params[index])); }
-};
-
-qv_param_store::qv_param_store(qv_item* owner) : owner_(owner) {}
+qv_param_store::qv_param_store(qv_item* owner) : owner_(owner) {
+  first_.store = this;
+  first_.next = nullptr;
+}
 
 qv_param_store::~qv_param_store() {
   for (int i = 0; i < count_; ++i) get(i)->~qv_param();
+  for (block* extra = first_.next; extra != nullptr;) delete std::exchange(extra, extra->next);
 }
 
 qv_param* qv_param_store::get(int index) const {
-  return blocks_[static_cast<std::size_t>(index / block_size)]->at(index % block_size);
+  const block* place = &first_;
+  for (; index >= block_size; index -= block_size) place = place->next;
+  return std::launder(reinterpret_cast<qv_param*>(const_cast<std::byte*>(place->params[index])));
 }
 
 qv_param* qv_param_store::find(const std::string& name) const {
@@ -86,23 +165,32 @@ qv_param* qv_param_store::find(const std::string& name) const {
   return nullptr;
 }
 
-qv_param* qv_param_store::add(const qv_param_declaration* declaration, unsigned int date) {
-  if (count_ % block_size == 0) blocks_.push_back(std::make_unique<block>());
-  void* place = blocks_.back()->params[count_ % block_size];
+qv_param* qv_param_store::add(unsigned int declaration, unsigned int date) {
+  block* place = &first_;
+  int slot = count_;
+  for (; slot >= block_size; slot -= block_size) {
+    if (place->next == nullptr) {
+      place->next = new block;
+      place->next->store = this;
+      place->next->next = nullptr;
+    }
+    place = place->next;
+  }
   ++count_;
-  return new (place) qv_param(declaration, owner_, date);
-}
-
-void qv_param_store::orphan() {
-  owner_ = nullptr;
-  for (int i = 0; i < count_; ++i) get(i)->owner_ = nullptr;
+  return new (place->params[slot]) qv_param(declaration, static_cast<unsigned int>(slot), date);
 }
 
 // --- parameter ---
 
-qv_param::qv_param(const qv_param_declaration* declaration, qv_item* owner, unsigned int date)
-    : declaration_(declaration), owner_(owner), date_(date), type_(declaration->type) {
-  switch (declaration_->type) {
+static_assert(sizeof(qv_param) == 24);
+
+qv_param::qv_param(unsigned int declaration, unsigned int slot, unsigned int date)
+    : date_(date),
+      declaration_(declaration),
+      slot_(slot),
+      type_(get_declaration().type),
+      kind_(get_declaration().type) {
+  switch (get_kind()) {
     case type_float:
       storage_.number = 0;
       break;
@@ -129,94 +217,105 @@ qv_param::qv_param(const qv_param_declaration* declaration, qv_item* owner, unsi
 }
 
 qv_param::~qv_param() {
-  switch (declaration_->type) {
+  switch (get_kind()) {
     case type_matrix:
-      delete static_cast<qv_matrix*>(storage_.heap);
+      release_heap_value<qv_matrix>(storage_.heap);
       break;
     case type_string:
-      delete static_cast<std::string*>(storage_.heap);
+      release_heap_value<std::string>(storage_.heap);
       break;
     case type_item:
       unlink(storage_.item.target);
       break;
     case type_float_list:
-      delete static_cast<qv_list<float>*>(storage_.heap);
+      release_heap_value<qv_list<float>>(storage_.heap);
       break;
     case type_unsigned_list:
-      delete static_cast<qv_list<unsigned int>*>(storage_.heap);
+      release_heap_value<qv_list<unsigned int>>(storage_.heap);
       break;
     case type_int_list:
     case type_enum_list:
-      delete static_cast<qv_list<int>*>(storage_.heap);
+      release_heap_value<qv_list<int>>(storage_.heap);
       break;
     case type_3dvector_list:
-      delete static_cast<qv_list<qv_3dvector>*>(storage_.heap);
+      release_heap_value<qv_list<qv_3dvector>>(storage_.heap);
       break;
     case type_string_list:
-      delete static_cast<qv_list<std::string>*>(storage_.heap);
+      release_heap_value<qv_list<std::string>>(storage_.heap);
       break;
     case type_item_list:
       for (qv_item* target : get_item_list()) unlink(target);
-      delete static_cast<qv_list<qv_item*>*>(storage_.heap);
+      release_heap_value<qv_list<qv_item*>>(storage_.heap);
       break;
     default:
       break;
   }
 }
 
+const qv_param_declaration& qv_param::get_declaration() const {
+  return qv_param_declaration::at(declaration_);
+}
+
+qv_item* qv_param::get_owner() const {
+  const auto* const first = reinterpret_cast<const std::byte*>(this - slot_);
+  const auto* const block = reinterpret_cast<const qv_param_store::block*>(
+      first - offsetof(qv_param_store::block, params));
+  return block->store->owner_;
+}
+
 const std::string& qv_param::get_name() const {
-  return declaration_->name;
+  return get_declaration().name;
 }
 const qv_list<std::string>* qv_param::get_labels() const {
-  return declaration_->labels;
+  return get_declaration().labels;
 }
 const qv_param_options& qv_param::get_options() const {
-  return declaration_->options;
+  return get_declaration().options;
 }
 
 float qv_param::get_float() const {
-  return declaration_->type == type_float ? storage_.number : 0.0f;
+  return get_kind() == type_float ? storage_.number : 0.0f;
 }
 void qv_param::store_float(float value) {
-  if (declaration_->type == type_float) storage_.number = value;
+  if (get_kind() == type_float) storage_.number = value;
 }
 
 int qv_param::get_int() const {
-  return declaration_->type == type_int || declaration_->type == type_enum ? storage_.integer : 0;
+  return get_kind() == type_int || get_kind() == type_enum ? storage_.integer : 0;
 }
 void qv_param::store_int(int value) {
-  if (declaration_->type == type_int || declaration_->type == type_enum) storage_.integer = value;
+  if (get_kind() == type_int || get_kind() == type_enum) storage_.integer = value;
 }
 
 bool qv_param::get_bool() const {
-  return declaration_->type == type_bool && storage_.flag;
+  return get_kind() == type_bool && storage_.flag;
 }
 void qv_param::store_bool(bool value) {
-  if (declaration_->type == type_bool) storage_.flag = value;
+  if (get_kind() == type_bool) storage_.flag = value;
 }
 
 const qv_3dvector& qv_param::get_3dvector() const {
-  return declaration_->type == type_3dvector ? storage_.vector : empty_value<qv_3dvector>();
+  return get_kind() == type_3dvector ? storage_.vector : empty_value<qv_3dvector>();
 }
 void qv_param::store_3dvector(const qv_3dvector& value) {
-  if (declaration_->type == type_3dvector) storage_.vector = value;
+  if (get_kind() == type_3dvector) storage_.vector = value;
 }
 
 const qv_color& qv_param::get_color() const {
-  return declaration_->type == type_color ? storage_.color : empty_value<qv_color>();
+  return get_kind() == type_color ? storage_.color : empty_value<qv_color>();
 }
 void qv_param::store_color(const qv_color& value) {
-  if (declaration_->type == type_color) storage_.color = value;
+  if (get_kind() == type_color) storage_.color = value;
 }
 
 // The kinds on the heap: read as their empty value while nothing was stored.
 #define QV_HEAP_VALUE(T_, stem, is_kind)                                  \
   const T_& qv_param::get_##stem() const {                                \
-    const param_type kind = declaration_->type;                           \
+    const param_type kind = get_kind();                                   \
     return (is_kind) ? heap_value<T_>(storage_.heap) : empty_value<T_>(); \
   }                                                                       \
   void qv_param::store_##stem(const T_& value) {                          \
-    const param_type kind = declaration_->type;                           \
+    const param_type kind = get_kind();                                   \
     if (is_kind) store_heap_value(storage_.heap, value);                  \
   }
 QV_HEAP_VALUE(qv_matrix, matrix, kind == type_matrix)
@@ -225,29 +324,36 @@ QV_HEAP_VALUE(qv_list<float>, float_list, kind == type_float_list)
 QV_HEAP_VALUE(qv_list<unsigned int>, unsigned_list, kind == type_unsigned_list)
 QV_HEAP_VALUE(qv_list<int>, int_list, kind == type_int_list || kind == type_enum_list)
 QV_HEAP_VALUE(qv_list<qv_3dvector>, 3dvector_list, kind == type_3dvector_list)
-QV_HEAP_VALUE(qv_list<std::string>, string_list, kind == type_string_list)
 #undef QV_HEAP_VALUE
+
+const qv_list<std::string>& qv_param::get_string_list() const {
+  return get_kind() == type_string_list ? heap_value<qv_list<std::string>>(storage_.heap)
+                                        : empty_value<qv_list<std::string>>();
+}
+void qv_param::store_string_list(const qv_list<std::string>& value) {
+  if (get_kind() == type_string_list) store_string_list_value(storage_.heap, value);
+}
 
 // --- references ---
 
 qv_item* qv_param::get_item() const {
-  return declaration_->type == type_item ? storage_.item.target : nullptr;
+  return get_kind() == type_item ? storage_.item.target : nullptr;
 }
 
 void qv_param::store_item(qv_item* value) {
-  if (declaration_->type != type_item) return;
+  if (get_kind() != type_item) return;
   unlink(storage_.item.target);
   storage_.item.target = value;
   link(value);
 }
 
 const qv_list<qv_item*>& qv_param::get_item_list() const {
-  return declaration_->type == type_item_list ? heap_value<qv_list<qv_item*>>(storage_.heap)
-                                              : empty_value<qv_list<qv_item*>>();
+  return get_kind() == type_item_list ? heap_value<qv_list<qv_item*>>(storage_.heap)
+                                      : empty_value<qv_list<qv_item*>>();
 }
 
 void qv_param::store_item_list(const qv_list<qv_item*>& value) {
-  if (declaration_->type != type_item_list || storage_.heap == &value) return;
+  if (get_kind() != type_item_list || &get_item_list() == &value) return;
   for (qv_item* target : get_item_list()) unlink(target);
   store_heap_value(storage_.heap, value);
   for (qv_item* target : get_item_list()) link(target);
@@ -257,7 +363,7 @@ void qv_param::link(qv_item* target) {
   if (target == nullptr) return;
   if (target->referrers_ == nullptr) target->referrers_ = std::make_unique<qv_item::referrers>();
   std::vector<qv_param*>& params = target->referrers_->params;
-  if (declaration_->type == type_item) {
+  if (get_kind() == type_item) {
     storage_.item.position = static_cast<std::uint32_t>(params.size());
   }
   params.push_back(this);
@@ -267,7 +373,7 @@ void qv_param::unlink(qv_item* target) {
   if (target == nullptr || target->referrers_ == nullptr) return;
   std::vector<qv_param*>& params = target->referrers_->params;
   std::size_t position = params.size();
-  if (declaration_->type == type_item) {
+  if (get_kind() == type_item) {
     position = storage_.item.position;
   } else {
     while (position > 0 && params[position - 1] != this) --position;
@@ -277,13 +383,13 @@ void qv_param::unlink(qv_item* target) {
   params.pop_back();
   if (position == params.size()) return;
   qv_param* moved = params[position];
-  if (moved->declaration_->type == type_item) {
+  if (moved->get_kind() == type_item) {
     moved->storage_.item.position = static_cast<std::uint32_t>(position);
   }
 }
 
 void qv_param::forget(qv_item* target) {
-  if (declaration_->type == type_item) {
+  if (get_kind() == type_item) {
     store_item(nullptr);
     return;
   }
@@ -297,8 +403,8 @@ void qv_param::forget(qv_item* target) {
 // --- comparison and copying ---
 
 bool qv_param::has_same_value(const qv_param& other) const {
-  if (declaration_->type != other.declaration_->type) return false;
-  switch (declaration_->type) {
+  if (get_kind() != other.get_kind()) return false;
+  switch (get_kind()) {
     case type_float:
       return get_float() == other.get_float();
     case type_int:
@@ -335,11 +441,11 @@ bool qv_param::has_same_value(const qv_param& other) const {
 
 bool qv_param::has_similar_value(const qv_param& other) const {
   const float tolerance = get_options().tolerance;
-  if (tolerance <= 0 || declaration_->type != other.declaration_->type) {
+  if (tolerance <= 0 || get_kind() != other.get_kind()) {
     return has_same_value(other);
   }
-  if (declaration_->type == type_float) return within(get_float(), other.get_float(), tolerance);
-  if (declaration_->type == type_float_list) {
+  if (get_kind() == type_float) return within(get_float(), other.get_float(), tolerance);
+  if (get_kind() == type_float_list) {
     const qv_list<float>& a = get_float_list();
     const qv_list<float>& b = other.get_float_list();
     if (a.get_count() != b.get_count()) return false;
@@ -352,8 +458,8 @@ bool qv_param::has_similar_value(const qv_param& other) const {
 }
 
 bool qv_param::store_value_of(const qv_param& other) {
-  if (declaration_->type != other.declaration_->type) return false;
-  switch (declaration_->type) {
+  if (get_kind() != other.get_kind()) return false;
+  switch (get_kind()) {
     case type_float:
       store_float(other.get_float());
       break;
@@ -371,29 +477,29 @@ bool qv_param::store_value_of(const qv_param& other) {
       store_color(other.get_color());
       break;
     case type_matrix:
-      store_matrix(other.get_matrix());
+      share_heap_value<qv_matrix>(storage_.heap, other.storage_.heap);
       break;
     case type_string:
-      store_string(other.get_string());
+      share_heap_value<std::string>(storage_.heap, other.storage_.heap);
       break;
     case type_item:
       store_item(other.get_item());
       break;
     case type_float_list:
-      store_float_list(other.get_float_list());
+      share_heap_value<qv_list<float>>(storage_.heap, other.storage_.heap);
       break;
     case type_unsigned_list:
-      store_unsigned_list(other.get_unsigned_list());
+      share_heap_value<qv_list<unsigned int>>(storage_.heap, other.storage_.heap);
       break;
     case type_int_list:
     case type_enum_list:
-      store_int_list(other.get_int_list());
+      share_heap_value<qv_list<int>>(storage_.heap, other.storage_.heap);
       break;
     case type_3dvector_list:
-      store_3dvector_list(other.get_3dvector_list());
+      share_heap_value<qv_list<qv_3dvector>>(storage_.heap, other.storage_.heap);
       break;
     case type_string_list:
-      store_string_list(other.get_string_list());
+      share_heap_value<qv_list<std::string>>(storage_.heap, other.storage_.heap);
       break;
     case type_item_list:
       store_item_list(other.get_item_list());

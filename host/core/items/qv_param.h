@@ -56,7 +56,7 @@ class qv_param {
   /// The name given at declaration.
   const std::string& get_name() const;
   /// Kind of value, as declared.
-  param_type get_param_type() const { return type_; }
+  param_type get_param_type() const { return static_cast<param_type>(type_); }
   /// Date of the last modification of the value.
   unsigned int get_date() const { return date_; }
   /// Writes the modification date.
@@ -66,7 +66,7 @@ class qv_param {
   /// How the value is compared between items.
   const qv_param_options& get_options() const;
   /// The item that declared the parameter; null once that item is gone.
-  qv_item* get_owner() const { return owner_; }
+  qv_item* get_owner() const;
 
   /// Changes the declared kind and nothing else: the storage keeps the kind of its first
   /// declaration, so that a class that holds the handle still reads a sound value, while its
@@ -117,18 +117,24 @@ class qv_param {
   friend class qv_param_store;
   friend class qv_item;
 
-  qv_param(const qv_param_declaration* declaration, qv_item* owner, unsigned int date);
+  qv_param(unsigned int declaration, unsigned int slot, unsigned int date);
 
+  const qv_param_declaration& get_declaration() const;
+  // Kind of the first declaration, and so of the storage.
+  param_type get_kind() const { return static_cast<param_type>(kind_); }
   void link(qv_item* target);
   void unlink(qv_item* target);
   void forget(qv_item* target);
 
-  const qv_param_declaration* declaration_;
-  qv_item* owner_;
-  unsigned int date_;
-  param_type type_;
+  // Models have very many parameters, so one takes 24 bytes: its declaration is an index into the
+  // list of all, and its owner is found through the block of the store in which it lies.
+  std::uint32_t date_;
+  std::uint32_t declaration_ : 20;
+  std::uint32_t slot_ : 2;
+  std::uint32_t type_ : 5;
+  std::uint32_t kind_ : 5;
   // Small values lie in place; strings, matrices and lists on the heap, where null stands for
-  // empty.
+  // empty. Equal ones may be shared.
   union storage {
     float number;
     int integer;

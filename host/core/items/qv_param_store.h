@@ -1,8 +1,7 @@
 #pragma once
 
-#include <memory>
+#include <cstddef>
 #include <string>
-#include <vector>
 
 #include "core/items/qv_param.h"
 
@@ -16,10 +15,11 @@ struct qv_param_declaration {
   const qv_list<std::string>* labels;
   qv_param_options options;
 
-  /// The declaration with these values, made on first use.
-  static const qv_param_declaration* get(const std::string& name, qv_param::param_type type,
-                                         const qv_list<std::string>* labels,
-                                         const qv_param_options& options);
+  /// Index of the declaration with these values, made on first use.
+  static unsigned int get_index(const std::string& name, qv_param::param_type type,
+                                const qv_list<std::string>* labels,
+                                const qv_param_options& options);
+  static const qv_param_declaration& at(unsigned int index);
 };
 
 /// The parameters of an item in declaration order, at addresses that stay. Shared by an item and
@@ -27,23 +27,33 @@ struct qv_param_declaration {
 class qv_param_store {
  public:
   explicit qv_param_store(qv_item* owner);
+  qv_param_store(const qv_param_store&) = delete;
+  qv_param_store& operator=(const qv_param_store&) = delete;
   ~qv_param_store();
 
   int get_count() const { return count_; }
   qv_param* get(int index) const;
   qv_param* find(const std::string& name) const;
-  qv_param* add(const qv_param_declaration* declaration, unsigned int date);
+  /// `declaration` is an index of `qv_param_declaration`.
+  qv_param* add(unsigned int declaration, unsigned int date);
   /// The owner is gone: its parameters refer to items on nobody's behalf from now on.
-  void orphan();
+  void orphan() { owner_ = nullptr; }
   qv_item* get_owner() const { return owner_; }
 
  private:
+  friend class qv_param;
+
+  // A parameter finds its block by its slot, and the store through the block.
   static constexpr int block_size = 4;
-  struct block;
+  struct block {
+    qv_param_store* store;
+    block* next;
+    alignas(qv_param) std::byte params[block_size][sizeof(qv_param)];
+  };
 
   qv_item* owner_;
-  std::vector<std::unique_ptr<block>> blocks_;
   int count_ = 0;
+  block first_;
 };
 
 }  // namespace qv
