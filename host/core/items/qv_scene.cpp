@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/items/qv_accessors.h"
+#include "core/light/qv_raytracing_layer.h"
 #include "utilities/qv_date.h"
 
 namespace qv {
@@ -108,6 +109,16 @@ qv_list<qv_item*> qv_scene::get_referrers(const std::string& type_name,
             [](const qv_item* a, const qv_item* b) { return a->order_ < b->order_; });
   found.resize(static_cast<int>(std::unique(found.begin(), found.end()) - found.begin()));
   return found;
+}
+
+qv_raytracer* qv_scene::get_raytracer(const std::string& layer_name) {
+  qv_raytracing_layer*& layer = raytracing_layers_[layer_name];
+  if (layer == nullptr) {
+    auto made = std::make_unique<qv_raytracing_layer>(layer_name);
+    layer = made.get();
+    add_observer(std::move(made));
+  }
+  return layer->get_raytracer();
 }
 
 // --- changes ---

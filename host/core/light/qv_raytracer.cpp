@@ -1,0 +1,447 @@
+#include "core/light/qv_raytracer.h"
+
+#include <embree3/rtcore.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "core/light/qv_ray.h"
+#include "core/shapes/qvi_mesh.h"
+#include "utilities/qv_tolerances.h"
+
+// The triangles of all meshes lie in a few pools, each with a bounding volume hierarchy of its own
+// ("level"), large ones first. What changed goes into a new small level, while its former triangles
+// are marked dead where they lie and refused by the kernel's filter. A new level swallows the
+// smaller ones before it, so that the sizes of the levels stay apart by a factor and each triangle
+// is moved a logarithmic number of times. A model that is read once has one level.
+
+namespace qv {
+
+namespace {
+
+/// A level is swallowed by a new one unless it has this many times its triangles.
+constexpr std::size_t level_growth = 4;
+/// m; a level whose centre lies nearer than this to the common centre uses that one, so that
+/// coincident faces of different levels are measured with the same rounding.
+constexpr float common_centre_reach = 1000.0f;
+/// The kernel reads vertices in blocks of four floats: room behind the last one.
+constexpr std::size_t vertex_padding = 4;
+
+/// The kernel's device, shared by every tracer of the process. One thread builds: hierarchies are
+/// the same on every machine, and no pool of threads runs in the back of an application.
+RTCDevice shared_device() {
+  struct holder {
+    RTCDevice device = rtcNewDevice("threads=1");
+    ~holder() { rtcReleaseDevice(device); }
+  };
+  static const holder instance;
+  return instance.device;
+}
+
+/// One traced triangle; `slot` is −1 once it is dead.
+struct primitive {
+  qvi_mesh* mesh;
+  qv_3dvector normal;
+  int triangle;
+  int slot;
+};
+
+/// A member mesh and where its triangles lie.
+struct slot {
+  qvi_mesh* mesh = nullptr;
+  unsigned int date = 0;
+  int rank = -1;      // place in the set; −1 not in the set
+  int level_id = -1;  // −1 in none
+  std::size_t first = 0;
+  std::size_t count = 0;
+};
+
+using triangle_corners = std::array<qv_3dvector, 3>;
+
+bool is_traceable(const qv_3dvector& p) {
+  constexpr auto limit = static_cast<float>(tolerance::largest_coordinate);
+  return std::fabs(p.x) <= limit && std::fabs(p.y) <= limit && std::fabs(p.z) <= limit;
+}
+
+/// Unit normal in double precision; false without an area.
+bool triangle_normal(const triangle_corners& t, qv_3dvector& normal) {
+  const double ux = double(t[1].x) - t[0].x, uy = double(t[1].y) - t[0].y,
+               uz = double(t[1].z) - t[0].z;
+  const double vx = double(t[2].x) - t[0].x, vy = double(t[2].y) - t[0].y,
+               vz = double(t[2].z) - t[0].z;
+  const double nx = uy * vz - uz * vy, ny = uz * vx - ux * vz, nz = ux * vy - uy * vx;
+  const double length = std::sqrt(nx * nx + ny * ny + nz * nz);
+  if (!(length > 0)) return false;
+  normal = qv_3dvector(static_cast<float>(nx / length), static_cast<float>(ny / length),
+                       static_cast<float>(nz / length));
+  return true;
+}
+
+struct level {
+  level() = default;
+  level(level&& other) noexcept { swap(other); }
+  level& operator=(level&& other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~level() {
+    if (scene != nullptr) rtcReleaseScene(scene);
+  }
+
+  void swap(level& other) noexcept {
+    std::swap(id, other.id);
+    std::swap(scene, other.scene);
+    vertices.swap(other.vertices);
+    indices.swap(other.indices);
+    primitives.swap(other.primitives);
+    std::swap(live, other.live);
+    std::swap(centre, other.centre);
+  }
+
+  void append(qvi_mesh* mesh, int slot_index, std::vector<triangle_corners>& corners);
+  void commit(const std::vector<triangle_corners>& corners, const qv_3dvector* common_centre);
+  /// More dead than alive: worth a rebuild.
+  bool is_mostly_dead() const { return primitives.size() - live > live; }
+
+  int id = -1;
+  RTCScene scene = nullptr;
+  std::vector<float> vertices;
+  std::vector<std::uint32_t> indices;
+  std::vector<primitive> primitives;
+  std::size_t live = 0;
+  qv_3dvector centre;
+};
+
+struct trace_context {
+  RTCIntersectContext kernel;
+  const level* current;
+  const std::vector<slot>* slots;
+  float distance;
+  int rank;
+  int triangle;
+};
+
+/// Refuses dead triangles, and of two hits at the same distance the one that comes later in the
+/// set.
+void accept_hit(const RTCFilterFunctionNArguments* arguments) {
+  auto* context = reinterpret_cast<trace_context*>(arguments->context);
+  const primitive& hit = context->current->primitives[RTCHitN_primID(arguments->hit, 1, 0)];
+  if (hit.slot < 0) {
+    arguments->valid[0] = 0;
+    return;
+  }
+  const float distance = RTCRayN_tfar(arguments->ray, 1, 0);
+  const int rank = (*context->slots)[static_cast<std::size_t>(hit.slot)].rank;
+  if (distance == context->distance &&
+      (rank > context->rank || (rank == context->rank && hit.triangle > context->triangle))) {
+    arguments->valid[0] = 0;
+    return;
+  }
+  context->distance = distance;
+  context->rank = rank;
+  context->triangle = hit.triangle;
+}
+
+void accept_occluder(const RTCFilterFunctionNArguments* arguments) {
+  const auto* context = reinterpret_cast<const trace_context*>(arguments->context);
+  if (context->current->primitives[RTCHitN_primID(arguments->hit, 1, 0)].slot < 0)
+    arguments->valid[0] = 0;
+}
+
+void level::append(qvi_mesh* mesh, int slot_index, std::vector<triangle_corners>& corners) {
+  const qv_list<qv_3dvector>& points = mesh->get_triangle_vertices();
+  const qv_list<int>& triangles = mesh->get_triangle_indices();
+  for (int i = 0; i + 2 < triangles.get_count(); i += 3) {
+    triangle_corners t;
+    bool traceable = true;
+    for (int k = 0; k < 3 && traceable; ++k) {
+      const int vertex = triangles[i + k];
+      traceable = vertex >= 0 && vertex < points.get_count() && is_traceable(t[k] = points[vertex]);
+    }
+    qv_3dvector normal;
+    if (!traceable || !triangle_normal(t, normal)) continue;
+    primitives.push_back({mesh, normal, i / 3, slot_index});
+    corners.push_back(t);
+  }
+}
+
+void level::commit(const std::vector<triangle_corners>& corners, const qv_3dvector* common_centre) {
+  live = primitives.size();
+  qv_box box;
+  for (const triangle_corners& t : corners)
+    for (const qv_3dvector& p : t) box.enlarge(p);
+  centre = box.get_center();
+  if (common_centre != nullptr && (centre - *common_centre).length() < common_centre_reach)
+    centre = *common_centre;
+
+  vertices.reserve(corners.size() * 9 + vertex_padding);
+  indices.reserve(corners.size() * 3);
+  for (const triangle_corners& t : corners) {
+    for (const qv_3dvector& p : t) {
+      indices.push_back(static_cast<std::uint32_t>(indices.size()));
+      vertices.insert(vertices.end(), {p.x - centre.x, p.y - centre.y, p.z - centre.z});
+    }
+  }
+  vertices.resize(vertices.size() + vertex_padding);
+
+  scene = rtcNewScene(shared_device());
+  rtcSetSceneFlags(scene, RTC_SCENE_FLAG_ROBUST);
+  const RTCGeometry geometry = rtcNewGeometry(shared_device(), RTC_GEOMETRY_TYPE_TRIANGLE);
+  rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
+                             vertices.data(), 0, 3 * sizeof(float), corners.size() * 3);
+  rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, indices.data(),
+                             0, 3 * sizeof(std::uint32_t), corners.size());
+  rtcSetGeometryIntersectFilterFunction(geometry, accept_hit);
+  rtcSetGeometryOccludedFilterFunction(geometry, accept_occluder);
+  rtcCommitGeometry(geometry);
+  rtcAttachGeometry(scene, geometry);
+  rtcReleaseGeometry(geometry);
+  rtcCommitScene(scene);
+}
+
+/// Fills the kernel's ray; false for a ray that can hit nothing.
+bool fill(RTCRay& target, const qv_ray& ray) {
+  if (!ray.origin.is_finite() || !ray.direction.is_finite()) return false;
+  if (ray.direction == qv_3dvector()) return false;
+  target.tnear = std::max(ray.minimum_distance, 0.0f);
+  target.tfar = ray.maximum_distance;
+  if (!(target.tnear <= target.tfar)) return false;
+  target.dir_x = ray.direction.x;
+  target.dir_y = ray.direction.y;
+  target.dir_z = ray.direction.z;
+  target.time = 0;
+  target.mask = ~0u;
+  target.id = 0;
+  target.flags = 0;
+  return true;
+}
+
+void place(RTCRay& target, const qv_3dvector& origin, const qv_3dvector& centre) {
+  target.org_x = origin.x - centre.x;
+  target.org_y = origin.y - centre.y;
+  target.org_z = origin.z - centre.z;
+}
+
+}  // namespace
+
+// --- the set of meshes ---
+
+struct qv_raytracer::kernel {
+  qv_list<qvi_mesh*> meshes;
+  bool set_changed = false;
+  std::vector<slot> slots;
+  std::vector<int> free_slots;
+  std::unordered_map<qvi_mesh*, int> slot_of_mesh;
+  std::vector<level> levels;  // the largest first
+  int next_level_id = 0;
+  qv_3dvector centre;
+
+  slot& at(int index) { return slots[static_cast<std::size_t>(index)]; }
+  int make_slot(qvi_mesh* mesh);
+  void bury(slot& s);
+  void apply_set(std::vector<int>& fresh);
+  void note_if_changed(int index, std::vector<int>& fresh);
+  void rebuild(std::vector<int>& fresh);
+  void rebuild_if_needed(std::vector<int>& fresh);
+  void dissolve(std::size_t index, std::vector<int>& fresh);
+};
+
+int qv_raytracer::kernel::make_slot(qvi_mesh* mesh) {
+  int index;
+  if (free_slots.empty()) {
+    index = static_cast<int>(slots.size());
+    slots.emplace_back();
+  } else {
+    index = free_slots.back();
+    free_slots.pop_back();
+  }
+  at(index) = slot();
+  at(index).mesh = mesh;
+  slot_of_mesh.emplace(mesh, index);
+  return index;
+}
+
+void qv_raytracer::kernel::bury(slot& s) {
+  for (level& home : levels) {
+    if (home.id != s.level_id) continue;
+    for (std::size_t i = s.first; i < s.first + s.count; ++i) home.primitives[i].slot = -1;
+    home.live -= s.count;
+  }
+  s.level_id = -1;
+  s.count = 0;
+}
+
+void qv_raytracer::kernel::apply_set(std::vector<int>& fresh) {
+  for (slot& s : slots) s.rank = -1;
+  for (int i = 0; i < meshes.get_count(); ++i) {
+    const auto found = slot_of_mesh.find(meshes[i]);
+    if (found != slot_of_mesh.end()) {
+      at(found->second).rank = i;
+    } else {
+      const int index = make_slot(meshes[i]);
+      at(index).rank = i;
+      at(index).date = meshes[i]->get_geometry_date();
+      fresh.push_back(index);
+    }
+  }
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    slot& s = slots[i];
+    if (s.rank >= 0 || s.mesh == nullptr) continue;
+    bury(s);
+    slot_of_mesh.erase(s.mesh);
+    s.mesh = nullptr;
+    free_slots.push_back(static_cast<int>(i));
+  }
+  set_changed = false;
+}
+
+void qv_raytracer::kernel::note_if_changed(int index, std::vector<int>& fresh) {
+  slot& s = at(index);
+  const unsigned int date = s.mesh->get_geometry_date();
+  if (date == s.date) return;
+  s.date = date;
+  bury(s);
+  fresh.push_back(index);
+}
+
+void qv_raytracer::kernel::dissolve(std::size_t index, std::vector<int>& fresh) {
+  int previous = -1;
+  for (const primitive& p : levels[index].primitives) {
+    if (p.slot < 0 || p.slot == previous) continue;
+    previous = p.slot;
+    at(p.slot).level_id = -1;
+    fresh.push_back(p.slot);
+  }
+  levels.erase(levels.begin() + static_cast<std::ptrdiff_t>(index));
+}
+
+void qv_raytracer::kernel::rebuild(std::vector<int>& fresh) {
+  std::size_t count = 0;
+  for (int index : fresh) count += static_cast<std::size_t>(at(index).mesh->get_nb_triangles());
+  for (std::size_t i = levels.size(); i-- > 0;) {
+    const level& candidate = levels[i];
+    if (!candidate.is_mostly_dead() && candidate.live >= level_growth * count) continue;
+    count += candidate.live;
+    dissolve(i, fresh);
+  }
+
+  // Scene order keeps neighbours together and makes the pool independent of its history.
+  std::sort(fresh.begin(), fresh.end(), [this](int a, int b) { return at(a).rank < at(b).rank; });
+  level made;
+  made.id = next_level_id++;
+  std::vector<triangle_corners> corners;
+  corners.reserve(count);
+  made.primitives.reserve(count);
+  for (int index : fresh) {
+    slot& s = at(index);
+    s.level_id = made.id;
+    s.first = made.primitives.size();
+    made.append(s.mesh, index, corners);
+    s.count = made.primitives.size() - s.first;
+  }
+  if (!made.primitives.empty()) {
+    made.commit(corners, levels.empty() ? nullptr : &centre);
+    if (levels.empty()) centre = made.centre;
+    levels.push_back(std::move(made));
+  }
+  std::stable_sort(levels.begin(), levels.end(),
+                   [](const level& a, const level& b) { return a.live > b.live; });
+}
+
+void qv_raytracer::kernel::rebuild_if_needed(std::vector<int>& fresh) {
+  const auto mostly_dead = [](const level& l) { return l.is_mostly_dead(); };
+  if (!fresh.empty() || std::any_of(levels.begin(), levels.end(), mostly_dead)) rebuild(fresh);
+}
+
+qv_raytracer::qv_raytracer(const qv_list<qvi_mesh*>& meshes) : kernel_(std::make_unique<kernel>()) {
+  set_meshes(meshes);
+}
+
+qv_raytracer::~qv_raytracer() = default;
+
+void qv_raytracer::set_meshes(const qv_list<qvi_mesh*>& meshes) {
+  std::unordered_set<qvi_mesh*> seen;
+  qv_list<qvi_mesh*> kept;
+  kept.reserve(meshes.get_count());
+  for (qvi_mesh* mesh : meshes)
+    if (mesh != nullptr && seen.insert(mesh).second) kept.append(mesh);
+  if (kept == kernel_->meshes) return;
+  kernel_->meshes = std::move(kept);
+  kernel_->set_changed = true;
+}
+
+const qv_list<qvi_mesh*>& qv_raytracer::get_meshes() const {
+  return kernel_->meshes;
+}
+
+void qv_raytracer::update() {
+  std::vector<int> fresh;
+  if (kernel_->set_changed) kernel_->apply_set(fresh);
+  for (std::size_t i = 0; i < kernel_->slots.size(); ++i)
+    if (kernel_->slots[i].mesh != nullptr) kernel_->note_if_changed(static_cast<int>(i), fresh);
+  kernel_->rebuild_if_needed(fresh);
+}
+
+void qv_raytracer::update_changed(const qv_list<qvi_mesh*>& changed) {
+  std::vector<int> fresh;
+  if (kernel_->set_changed) kernel_->apply_set(fresh);
+  for (qvi_mesh* mesh : changed) {
+    const auto found = kernel_->slot_of_mesh.find(mesh);
+    if (found != kernel_->slot_of_mesh.end()) kernel_->note_if_changed(found->second, fresh);
+  }
+  kernel_->rebuild_if_needed(fresh);
+}
+
+bool qv_raytracer::raytrace(qv_ray& ray) const {
+  ray.clear_hit();
+  RTCRayHit query;
+  if (!fill(query.ray, ray)) return false;
+
+  trace_context context;
+  rtcInitIntersectContext(&context.kernel);
+  context.slots = &kernel_->slots;
+  context.distance = -1;
+  const primitive* nearest = nullptr;
+  for (const level& l : kernel_->levels) {
+    context.current = &l;
+    place(query.ray, ray.origin, l.centre);
+    query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
+    query.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
+    rtcIntersect1(l.scene, &context.kernel, &query);
+    if (query.hit.geomID != RTC_INVALID_GEOMETRY_ID) nearest = &l.primitives[query.hit.primID];
+  }
+  if (nearest == nullptr) return false;
+  ray.hit_distance = query.ray.tfar;
+  ray.hit_mesh = nearest->mesh;
+  ray.hit_triangle = nearest->triangle;
+  ray.hit_normal = nearest->normal;
+  return true;
+}
+
+bool qv_raytracer::is_occluded(const qv_ray& ray) const {
+  RTCRay query;
+  if (!fill(query, ray)) return false;
+  trace_context context;
+  rtcInitIntersectContext(&context.kernel);
+  for (const level& l : kernel_->levels) {
+    context.current = &l;
+    place(query, ray.origin, l.centre);
+    rtcOccluded1(l.scene, &context.kernel, &query);
+    if (query.tfar < 0) return true;
+  }
+  return false;
+}
+
+int qv_raytracer::get_triangle_count() const {
+  std::size_t count = 0;
+  for (const level& l : kernel_->levels) count += l.live;
+  return static_cast<int>(count);
+}
+
+}  // namespace qv

@@ -1,0 +1,7 @@
+#include "core/light/qvi_schedule.h"
+
+namespace qv {
+
+QV_ITEM_CLASS_IMPLEMENTATION(qvi_schedule)
+
+}  // namespace qv
