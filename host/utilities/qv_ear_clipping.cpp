@@ -26,6 +26,22 @@ std::size_t get_rightmost(const ring& contour) {
   return static_cast<std::size_t>(rightmost - contour.begin());
 }
 
+// Whether the contour's inner side at point i looks towards `p`; tells the copies of a point apart
+// at which bridges begin.
+bool looks_towards(const ring& contour, std::size_t i, const point& p) {
+  const std::size_t n = contour.size();
+  const point& before = contour[(i + n - 1) % n];
+  const point& corner = contour[i];
+  const point& after = contour[(i + 1) % n];
+  const bool left_of_both = cross(before, corner, p) > 0 && cross(corner, after, p) > 0;
+  const bool left_of_one = cross(before, corner, p) > 0 || cross(corner, after, p) > 0;
+  return cross(before, corner, after) >= 0 ? left_of_both : left_of_one;
+}
+
+bool cross_each_other(const point& p, const point& q, const point& r, const point& s) {
+  return cross(p, q, r) * cross(p, q, s) < 0 && cross(r, s, p) * cross(r, s, q) < 0;
+}
+
 // The point of `outer` that sees the hole's rightmost point: where a ray to the right first meets
 // an edge, that edge's right end, or the point nearest in direction to the ray among those within
 // the triangle that the three span (D. Eberly, Triangulation by Ear Clipping, 2002).
@@ -37,7 +53,8 @@ std::size_t get_bridge(const ring& outer, const point& from) {
     const std::size_t j = i + 1 == n ? 0 : i + 1;
     const point& p = outer[i];
     const point& q = outer[j];
-    if ((p.b > from.b) == (q.b > from.b)) continue;
+    // Only upward edges have the inside on their left, where the ray comes from.
+    if (p.b > from.b || q.b <= from.b) continue;
     const double a = p.a + (q.a - p.a) * (from.b - p.b) / (q.b - p.b);
     if (a < from.a || a >= nearest) continue;
     nearest = a;
@@ -52,10 +69,11 @@ std::size_t get_bridge(const ring& outer, const point& from) {
   const point end = outer[bridge];
   for (std::size_t i = 0; i < n; ++i) {
     const point& p = outer[i];
-    if (is_at(p, end) || p.a <= from.a || !is_in_triangle(p, corners[0], corners[1], corners[2]))
+    if (is_at(p, end) || p.a <= from.a || !is_in_triangle(p, corners[0], corners[1], corners[2]) ||
+        !looks_towards(outer, i, from))
       continue;
     const double slope = (p.b > from.b ? p.b - from.b : from.b - p.b) / (p.a - from.a);
-    if (slope >= least_slope) continue;
+    if (slope > least_slope || (slope == least_slope && p.a >= outer[bridge].a)) continue;
     least_slope = slope;
     bridge = i;
   }
@@ -91,6 +109,8 @@ bool is_ear(const ring& contour, std::size_t i) {
     if (is_at(p, before) || is_at(p, corner) || is_at(p, after)) continue;
     if (is_in_triangle(p, before, corner, after)) return false;
   }
+  for (std::size_t j = 0; j < n; ++j)
+    if (cross_each_other(before, after, contour[j], contour[(j + 1) % n])) return false;
   return true;
 }
 
