@@ -6,6 +6,7 @@ usage: samples/make_house.py > samples/house.xml
 Lengths in metres, x to the east, y to the north. house.md works out what this house measures.
 """
 
+import sys
 from xml.sax.saxutils import escape, quoteattr
 
 # --- levels ---------------------------------------------------------------------------------------
@@ -294,4 +295,5 @@ def document():
     yield "</gbXML>"
 
 
+sys.stdout.reconfigure(encoding="utf-8", newline="\n")
 print("\n".join(document()))

@@ -93,7 +93,7 @@ void qv_json_writer::separate() {
 
 void qv_json_writer::break_line() {
   text_ += '\n';
-  text_.append(static_cast<std::size_t>(2 * depth_), ' ');
+  text_.append(2 * static_cast<std::size_t>(depth_), ' ');
 }
 
 void qv_json_writer::write_string(std::string_view text) {

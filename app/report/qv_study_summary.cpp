@@ -52,11 +52,8 @@ std::string buildings_part(const qv_study_results& study) {
                        {"area m²", right},
                        {"volume m³", right}});
   for (const auto& building : study.buildings) {
-    const auto spaces =
-        std::count_if(study.spaces.begin(), study.spaces.end(),
-                      [&](const auto& space) { return space.building == building.name; });
     table.add_row({building.name, std::to_string(building.floors.size()),
-                   std::to_string(building.zones.size()), std::to_string(spaces),
+                   std::to_string(building.zones.size()), std::to_string(building.space_count),
                    hundredths(building.area), hundredths(building.volume)});
   }
   return table.text();

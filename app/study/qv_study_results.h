@@ -34,6 +34,7 @@ struct qv_study_building {
   float area = 0.0f;
   float volume = 0.0f;
   std::vector<qv_study_zone> zones;
+  std::size_t space_count = 0;
 };
 
 struct qv_study_space {

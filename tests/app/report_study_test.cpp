@@ -26,7 +26,7 @@ qv::qv_study_results small_study() {
   study.source = "a \"b\".xml";
   study.location.latitude = 48.85;
   study.buildings.push_back(
-      {"Bâtiment 1", "new", {1.5f}, 30.5f, 76.25f, {{"Zone 1-1", {"s1", "s2"}}}});
+      {"Bâtiment 1", "new", {1.5f}, 30.5f, 76.25f, {{"Zone 1-1", {"s1", "s2"}}}, 2});
   study.spaces.push_back({"s1", "Salon, \"grand\"", "Bâtiment 1", "Zone 1-1", 0, 20.5f, 51.25f,
                           20.0, 50.0, "<h2>Salon</h2>"});
   study.spaces.push_back({"s2", "Cave", {}, {}, {}, 10.0f, 25.0f, {}, {}, ""});

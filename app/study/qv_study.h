@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "app/study/qv_study_results.h"
+
+namespace qv {
+
+struct qv_gbxml_model;
+
+struct qv_study_options {
+  /// The model file.
+  std::string model;
+  /// Group the spaces into buildings by the walls that they share even when the file has buildings.
+  bool regroup = false;
+  /// Give the spaces new names where they are grouped: building number and rank in it.
+  bool rename_spaces = false;
+};
+
+/// Told at the beginning of each step: its rank from 1, how many there are, and what it does
+/// ("reading the model").
+using qv_study_progress = std::function<void(int step, int count, const char* what)>;
+
+/// Reads a model, computes it and gathers the results. Throws `qv_input_error`.
+qv_study_results qv_run_study(const qv_study_options& options,
+                              const qv_study_progress& progress = {});
+
+/// The steps between reading and gathering: groups the spaces into buildings where the file has
+/// none or where that is asked for, measures everything, lays the lowest floors on the ground.
+void qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
+                      const qv_study_progress& progress = {});
+
+}  // namespace qv
