@@ -10,6 +10,7 @@
 #include "core/light/qv_ray.h"
 #include "core/shapes/qvi_mesh.h"
 #include "core/shapes/qvi_polygon.h"
+#include "core/shapes/qvi_solid.h"
 #include "tests/support/qv_recorders.h"
 #include "tests/support/qv_shapes.h"
 #include "utilities/qv_random.h"
@@ -340,6 +341,48 @@ TEST(qvi_mesh, gives_back_an_l_with_a_hole_however_it_lies) {
     EXPECT_EQ(to_vector(polygons[0].get_contour_sizes()), (std::vector<unsigned int>{6, 4}));
     EXPECT_NEAR(polygons[0].get_area(), area, 1e-3);
     EXPECT_NEAR(polygons[0].get_normal().dot(there.transform_normal({0, 0, 1})), 1, 1e-5);
+  }
+}
+
+// A prism over a star of `count` arms around a square hole, leaning to one side.
+qv_solid make_random_prism(qv_random& random, int count) {
+  qv_polygon base({0, 0, 0}, {0, 0, 1});
+  qv_list<qv_3dvector> star;
+  for (int i = 0; i < count; ++i) {
+    const double angle = 2 * 3.14159265358979 * (i + 0.6 * random.dice_double()) / count;
+    const double radius = 3 + 4 * random.dice_double();
+    star.append({static_cast<float>(radius * std::cos(angle)),
+                 static_cast<float>(radius * std::sin(angle)), 0});
+  }
+  base.add_contour(star);
+  base.add_contour({{-0.3f, -0.3f, 0}, {-0.3f, 0.3f, 0}, {0.3f, 0.3f, 0}, {0.3f, -0.3f, 0}});
+  qv_solid prism;
+  prism.extrusion(base, {0.5f * random.dice_float(), 0, 3});
+  return prism;
+}
+
+TEST(qvi_mesh, gives_back_the_faces_of_prisms_anywhere_on_a_site) {
+  constexpr int seed = 5;
+  SCOPED_TRACE(seed);
+  qv_random random(seed);
+  for (int i = 0; i < 200; ++i) {
+    const qv_solid prism = make_random_prism(random, 5 + i % 9);
+    const auto solid = make_item<qvi_solid>();
+    solid->load_from_solid(&prism);
+    const float site = i % 2 == 0 ? 0.0f : 500.0f;
+    const float x = site * random.dice_float(), y = site * random.dice_float();
+    solid->matrix_transform(qv_matrix::translation({x, y, 0}) *
+                                qv_matrix::rotation(0, 360 * random.dice_float()) *
+                                qv_matrix::rotation(2, 77),
+                            true);
+    listening_mesh mesh;
+    mesh.merge(solid.get());
+    if (i % 3 == 0) mesh.optimize_vertices(0.001f);
+    const qv_test::owned_polygons polygons(mesh.build_raw_polygons());
+    ASSERT_EQ(polygons.get_count(), prism.get_faces().get_count()) << i;
+    for (int face = 0; face < polygons.get_count(); ++face)
+      EXPECT_EQ(polygons[face].get_contour_count(), prism.get_faces()[face]->get_contour_count());
+    EXPECT_NEAR(polygons.get_area() / solid->get_area(), 1, 1e-5);
   }
 }
 

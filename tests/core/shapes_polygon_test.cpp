@@ -12,7 +12,6 @@ namespace {
 
 using namespace qv;
 using qv_test::make_item;
-using qv_test::to_vector;
 
 constexpr float not_a_number = std::numeric_limits<float>::quiet_NaN();
 constexpr float infinity = std::numeric_limits<float>::infinity();

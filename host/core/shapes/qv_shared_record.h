@@ -13,7 +13,7 @@ class qv_shared_record {
   qv_shared_record() = default;
   qv_shared_record(const qv_shared_record& other) : record_(other.share()) {}
   qv_shared_record& operator=(const qv_shared_record& other) {
-    record_ = other.share();
+    if (this != &other) record_ = other.share();
     return *this;
   }
   ~qv_shared_record() = default;
