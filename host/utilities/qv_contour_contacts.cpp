@@ -30,47 +30,35 @@ bool folds_back(const point& before, const point& corner, const point& after) {
 }
 
 struct edge {
-  point from;
-  point to;
+  const point* from;
+  const point* to;
   double min_a;
   double max_a;
   double min_b;
   double max_b;
-  std::size_t contour;
-  std::size_t index;
 };
 
-std::vector<edge> get_edges(const std::vector<ring>& contours) {
-  std::vector<edge> edges;
-  std::size_t count = 0;
-  for (const ring& contour : contours) count += contour.size();
-  edges.reserve(count);
-  for (std::size_t c = 0; c < contours.size(); ++c) {
-    const ring& contour = contours[c];
-    for (std::size_t i = 0; i < contour.size(); ++i) {
-      const point& from = contour[i];
-      const point& to = contour[i + 1 == contour.size() ? 0 : i + 1];
-      edges.push_back({from, to, std::min(from.a, to.a), std::max(from.a, to.a),
-                       std::min(from.b, to.b), std::max(from.b, to.b), c, i});
-    }
+void add_edges(const ring& contour, std::vector<edge>& edges) {
+  for (std::size_t i = 0; i < contour.size(); ++i) {
+    const point& from = contour[i];
+    const point& to = contour[i + 1 == contour.size() ? 0 : i + 1];
+    edges.push_back({&from, &to, std::min(from.a, to.a), std::max(from.a, to.a),
+                     std::min(from.b, to.b), std::max(from.b, to.b)});
   }
-  return edges;
 }
 
-bool are_neighbours(const edge& e, const edge& f, const std::vector<ring>& contours) {
-  if (e.contour != f.contour) return false;
-  const std::size_t distance = e.index > f.index ? e.index - f.index : f.index - e.index;
-  return distance == 1 || distance + 1 == contours[e.contour].size();
+// Points have an address of their own, so edges that share one follow each other in a contour.
+bool are_neighbours(const edge& e, const edge& f) {
+  return e.to == f.from || f.to == e.from;
 }
 
 int side(const edge& e, const point& p) {
-  return turn(e.to.a - e.from.a, e.to.b - e.from.b, p.a - e.from.a, p.b - e.from.b);
+  return turn(e.to->a - e.from->a, e.to->b - e.from->b, p.a - e.from->a, p.b - e.from->b);
 }
 
 bool are_in_contact(const edge& e, const edge& f) {
-  if (e.min_b > f.max_b || f.min_b > e.max_b) return false;
-  if (side(e, f.from) * side(e, f.to) > 0) return false;
-  return side(f, e.from) * side(f, e.to) <= 0;
+  if (side(e, *f.from) * side(e, *f.to) > 0) return false;
+  return side(f, *e.from) * side(f, *e.to) <= 0;
 }
 
 std::size_t count_spikes(const std::vector<ring>& contours) {
@@ -78,8 +66,8 @@ std::size_t count_spikes(const std::vector<ring>& contours) {
   for (const ring& contour : contours) {
     const std::size_t n = contour.size();
     for (std::size_t i = 0; i < n; ++i) {
-      const point& before = contour[(i + n - 1) % n];
-      const point& after = contour[(i + 1) % n];
+      const point& before = contour[i == 0 ? n - 1 : i - 1];
+      const point& after = contour[i + 1 == n ? 0 : i + 1];
       if (corner_turn(before, contour[i], after) == 0 && folds_back(before, contour[i], after))
         ++spikes;
     }
@@ -124,14 +112,19 @@ bool is_strictly_convex(const ring& contour) {
 std::size_t count_contacts(const std::vector<ring>& contours, std::size_t limit) {
   std::size_t contacts = count_spikes(contours);
   if (contacts > limit) return contacts;
-  std::vector<edge> edges = get_edges(contours);
+  std::size_t count = 0;
+  for (const ring& contour : contours) count += contour.size();
+  std::vector<edge> edges;
+  edges.reserve(count);
+  for (const ring& contour : contours) add_edges(contour, edges);
   std::sort(edges.begin(), edges.end(),
             [](const edge& e, const edge& f) { return e.min_a < f.min_a; });
-  for (std::size_t i = 0; i < edges.size(); ++i) {
+  for (std::size_t i = 0; i < count; ++i) {
     const edge& e = edges[i];
-    for (std::size_t j = i + 1; j < edges.size() && edges[j].min_a <= e.max_a; ++j) {
+    for (std::size_t j = i + 1; j < count && edges[j].min_a <= e.max_a; ++j) {
       const edge& f = edges[j];
-      if (are_neighbours(e, f, contours) || !are_in_contact(e, f)) continue;
+      if (e.min_b > f.max_b || f.min_b > e.max_b || are_neighbours(e, f) || !are_in_contact(e, f))
+        continue;
       if (++contacts > limit) return contacts;
     }
   }

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <utility>
 
+#include "utilities/qv_point_grid.h"
 #include "utilities/qv_tolerances.h"
 
 namespace qv::plane {
@@ -27,32 +29,8 @@ qv_3dvector get_origin(const qv_polygon& receiver) {
 }
 
 bool is_repeated(const point& p, const point& q) {
-  return std::hypot(p.a - q.a, p.b - q.b) < tolerance::repeated_point;
-}
-
-bool is_before(const point& p, const point& q) {
-  if (p.a != q.a) return p.a < q.a;
-  if (p.b != q.b) return p.b < q.b;
-  return p.source < q.source;
-}
-
-// The nearest of `known`, which is sorted, within the tolerance; the lowest source among equals.
-int find_source(const std::vector<point>& known, const point& p) {
-  const auto exact = std::lower_bound(known.begin(), known.end(), point{p.a, p.b, -1}, is_before);
-  if (exact != known.end() && exact->a == p.a && exact->b == p.b) return exact->source;
-  constexpr double lowest = -std::numeric_limits<double>::infinity();
-  double nearest = tolerance::vertex_snap;
-  int source = -1;
-  for (auto candidate = std::lower_bound(known.begin(), known.end(),
-                                         point{p.a - nearest, lowest, -1}, is_before);
-       candidate != known.end() && candidate->a <= p.a + tolerance::vertex_snap; ++candidate) {
-    const double distance = std::hypot(candidate->a - p.a, candidate->b - p.b);
-    if (distance < nearest || (distance == nearest && candidate->source < source)) {
-      nearest = distance;
-      source = candidate->source;
-    }
-  }
-  return source;
+  constexpr double limit = tolerance::repeated_point;
+  return (p.a - q.a) * (p.a - q.a) + (p.b - q.b) * (p.b - q.b) < limit * limit;
 }
 
 template <class Function>
@@ -77,14 +55,11 @@ region projection::get_region(const qv_polygon& operand) {
 }
 
 void projection::find_sources(region& pieces) const {
-  std::vector<point> sorted;
+  std::optional<point_grid> known;
   for_each_point(pieces, [&](point& p) {
     if (p.source >= 0) return;
-    if (sorted.empty()) {
-      sorted = known_points_;
-      std::sort(sorted.begin(), sorted.end(), is_before);
-    }
-    p.source = find_source(sorted, p);
+    if (!known) known.emplace(known_points_);
+    if (const point* nearest = known->find_nearest(p.a, p.b)) p.source = nearest->source;
   });
 }
 

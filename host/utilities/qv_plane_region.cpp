@@ -23,7 +23,7 @@ double perimeter(const ring& contour) {
   for (std::size_t i = 0; i < contour.size(); ++i) {
     const point& p = contour[i];
     const point& q = contour[i + 1 == contour.size() ? 0 : i + 1];
-    sum += std::hypot(q.a - p.a, q.b - p.b);
+    sum += std::sqrt((q.a - p.a) * (q.a - p.a) + (q.b - p.b) * (q.b - p.b));
   }
   return sum;
 }

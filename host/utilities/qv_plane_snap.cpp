@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "utilities/qv_point_grid.h"
 #include "utilities/qv_tolerances.h"
 
 namespace qv::plane {
@@ -11,10 +12,6 @@ namespace qv::plane {
 namespace {
 
 constexpr double reach = tolerance::vertex_snap;
-
-bool is_before(const point& p, const point& q) {
-  return p.a != q.a ? p.a < q.a : p.b < q.b;
-}
 
 bool is_at(const point& p, const point& q) {
   return p.a == q.a && p.b == q.b;
@@ -40,7 +37,7 @@ std::vector<point> get_points(const region& pieces, const bounds& box) {
     for (const point& p : contour)
       if (is_within(box, p)) points.push_back(p);
   });
-  std::sort(points.begin(), points.end(), is_before);
+  std::sort(points.begin(), points.end(), [](const point& p, const point& q) { return p.a < q.a; });
   return points;
 }
 
@@ -51,19 +48,11 @@ std::vector<point>::const_iterator first_in_reach(const std::vector<point>& poin
 }
 
 // Moves points of the contour onto the nearest target within reach.
-bool move_onto(const std::vector<point>& targets, ring& contour) {
+bool move_onto(const point_grid& targets, ring& contour) {
   bool moved = false;
   for (point& p : contour) {
-    double nearest = reach;
-    const point* target = nullptr;
-    for (auto candidate = first_in_reach(targets, p.a);
-         candidate != targets.end() && candidate->a <= p.a + reach; ++candidate) {
-      const double distance = std::hypot(candidate->a - p.a, candidate->b - p.b);
-      if (distance >= nearest) continue;
-      nearest = distance;
-      target = &*candidate;
-    }
-    if (target == nullptr || nearest == 0) continue;
+    const point* target = targets.find_nearest(p.a, p.b);
+    if (target == nullptr || is_at(*target, p)) continue;
     p = *target;
     moved = true;
   }
@@ -81,7 +70,7 @@ std::vector<edge_point> get_points_on_edge(const std::vector<point>& targets, co
                                            const point& q) {
   std::vector<edge_point> found;
   const double along_a = q.a - p.a, along_b = q.b - p.b;
-  const double length = std::hypot(along_a, along_b);
+  const double length = std::sqrt(along_a * along_a + along_b * along_b);
   const double min_b = std::min(p.b, q.b) - reach, max_b = std::max(p.b, q.b) + reach;
   const double max_a = std::max(p.a, q.a) + reach;
   for (auto target = first_in_reach(targets, std::min(p.a, q.a));
@@ -136,16 +125,20 @@ void snap(region& left, region& right) {
 
   const std::vector<point> left_points = get_points(left, right_box);
   bool changed = false;
-  for_each_contour(right, [&](ring& contour) {
-    changed |= move_onto(left_points, contour);
-    changed |= insert_into_edges(left_points, contour);
-  });
+  if (!left_points.empty()) {
+    const point_grid left_grid(left_points);
+    for_each_contour(right, [&](ring& contour) {
+      changed |= move_onto(left_grid, contour);
+      changed |= insert_into_edges(left_points, contour);
+    });
+  }
   if (changed) normalise_again(right);
 
   const std::vector<point> right_points = get_points(right, left_box);
   changed = false;
-  for_each_contour(left,
-                   [&](ring& contour) { changed |= insert_into_edges(right_points, contour); });
+  if (!right_points.empty())
+    for_each_contour(left,
+                     [&](ring& contour) { changed |= insert_into_edges(right_points, contour); });
   if (changed) normalise_again(left);
 }
 
