@@ -9,12 +9,19 @@ namespace qv {
 
 /// The sun that a surface receives over a period, as walls and openings keep it: irradiations in
 /// W/m², one value for each time step of the sun. Series are empty and numbers 0 until computed;
-/// until then they take no memory. A copy shares its source's results.
+/// until then they take no memory. A copy shares its source's results, also later ones.
 ///
 /// "Direct" before the underscore means straight from its source, "indirect" after reflexions;
 /// after it, "direct" means the sun's beam and "diffuse" the sky.
 class qv_solar_income {
  public:
+  qv_solar_income() = default;
+  qv_solar_income(const qv_solar_income& other) : results_(other.share_results()) {}
+  qv_solar_income& operator=(const qv_solar_income& other) {
+    results_ = other.share_results();
+    return *this;
+  }
+
   // Each a pointer to the first value of the series; null while it is empty.
   const float* get_solar_income_direct_direct() const { return get_results().direct_direct.data(); }
   const float* get_solar_income_direct_diffuse() const {
@@ -59,10 +66,14 @@ class qv_solar_income {
   };
   const results& get_results() const {
     static const results not_computed;
-    return *results_ != nullptr ? **results_ : not_computed;
+    return results_ != nullptr ? *results_ : not_computed;
+  }
+  const std::shared_ptr<results>& share_results() const {
+    if (results_ == nullptr) results_ = std::make_shared<results>();
+    return results_;
   }
 
-  std::shared_ptr<std::unique_ptr<results>> results_ = std::make_shared<std::unique_ptr<results>>();
+  mutable std::shared_ptr<results> results_;  // null until computed or shared
 };
 
 }  // namespace qv

@@ -193,14 +193,14 @@ void qv_item::set_name(const std::string& name) {
 }
 
 const std::string& qv_item::get_unique_id() const {
-  if (unique_id_.empty()) unique_id_ = qv_uuid();
-  return unique_id_;
+  if (!has_unique_id()) unique_id_ = std::make_unique<std::string>(qv_uuid());
+  return *unique_id_;
 }
 
 void qv_item::set_unique_id(const std::string& id) {
-  if (unique_id_ == id) return;
+  if (has_unique_id() ? *unique_id_ == id : id.empty()) return;
   qv_get_new_date();
-  unique_id_ = id;
+  unique_id_ = std::make_unique<std::string>(id);
   announce_change("unique_id");
 }
 

@@ -123,7 +123,7 @@ class qv_item {
   /// Given at the first call, random and unlike any other, and kept.
   const std::string& get_unique_id() const;
   /// True when an id was given already; asking gives none.
-  bool has_unique_id() const { return !unique_id_.empty(); }
+  bool has_unique_id() const { return unique_id_ != nullptr && !unique_id_->empty(); }
   void set_unique_id(const std::string& id);
   qv_item_type* get_item_type() const { return type_; }
   /// True for the name of the item's type and of each type above it.
@@ -216,7 +216,7 @@ class qv_item {
 
   qv_item_type* type_;
   std::string name_;
-  mutable std::string unique_id_;
+  mutable std::unique_ptr<std::string> unique_id_;  // most items are never asked for theirs
   std::shared_ptr<qv_param_store> params_;
   qv_item* parent_ = nullptr;
   qv_scene* scene_ = nullptr;
