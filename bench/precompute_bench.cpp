@@ -2,6 +2,7 @@
 #include <malloc.h>
 
 #include <memory>
+#include <string>
 
 #include "bim/materials/qvi_composition.h"
 #include "bim/materials/qvi_material.h"
@@ -56,6 +57,7 @@ class block_model {
       wall->set_composition(wall->get_space_1() == nullptr ? outer : inner);
     wall_count_ = static_cast<int>(block.walls.size());
     space_count_ = static_cast<int>(block.spaces.size());
+    some_wall_ = block.walls[block.walls.size() / 2];
     some_space_ = block.at(size.x / 2, size.y / 2, 0);
   }
   block_model(const block_model&) = delete;
@@ -63,6 +65,7 @@ class block_model {
   ~block_model() { qv_item::destroy(scene_); }
 
   qv_scene& get_scene() { return *scene_; }
+  qvi_wall* get_wall() { return some_wall_; }
   int get_wall_count() const { return wall_count_; }
 
   void report(benchmark::State& state) const {
@@ -80,6 +83,7 @@ class block_model {
   qv_scene* scene_;
   int wall_count_ = 0;
   int space_count_ = 0;
+  qvi_wall* some_wall_ = nullptr;
   qvi_space* some_space_ = nullptr;
 };
 
@@ -104,6 +108,31 @@ void precompute_unchanged(benchmark::State& state) {
   model.report(state);
 }
 
+/// The pass after a change that no result depends on: the name of one wall.
+void precompute_renamed(benchmark::State& state) {
+  block_model model(static_cast<int>(state.range(0)));
+  model.get_scene().precompute();
+  int round = 0;
+  for (auto _ : state) {
+    model.get_wall()->set_name(std::to_string(++round));
+    model.get_scene().precompute();
+  }
+  model.report(state);
+}
+
+/// The pass after one wall changed its composition.
+void precompute_one_wall_changed(benchmark::State& state) {
+  block_model model(static_cast<int>(state.range(0)));
+  model.get_scene().precompute();
+  qvi_composition* const composition = model.get_wall()->get_composition();
+  for (auto _ : state) {
+    model.get_wall()->set_composition(model.get_wall()->get_composition() == nullptr ? composition
+                                                                                     : nullptr);
+    model.get_scene().precompute();
+  }
+  model.report(state);
+}
+
 BENCHMARK(precompute_full)
     ->Name("precompute/full")
     ->Unit(benchmark::kMillisecond)
@@ -111,5 +140,17 @@ BENCHMARK(precompute_full)
     ->Arg(10000)
     ->Arg(100000);
 BENCHMARK(precompute_unchanged)->Name("precompute/unchanged")->Arg(100000);
+BENCHMARK(precompute_renamed)
+    ->Name("precompute/renamed")
+    ->Unit(benchmark::kMillisecond)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Arg(100000);
+BENCHMARK(precompute_one_wall_changed)
+    ->Name("precompute/one_wall_changed")
+    ->Unit(benchmark::kMillisecond)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Arg(100000);
 
 }  // namespace
