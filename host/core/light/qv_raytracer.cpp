@@ -106,6 +106,7 @@ struct level {
 
   void append(qvi_mesh* mesh, int slot_index, std::vector<triangle_corners>& corners);
   void commit(const std::vector<triangle_corners>& corners, const qv_3dvector* common_centre);
+  bool has_dead() const { return live != primitives.size(); }
   /// More dead than alive: worth a rebuild.
   bool is_mostly_dead() const { return primitives.size() - live > live; }
 
@@ -122,35 +123,34 @@ struct trace_context {
   RTCIntersectContext kernel;
   const level* current;
   const std::vector<slot>* slots;
+  const primitive* nearest;
   float distance;
-  int rank;
-  int triangle;
 };
 
 /// Refuses dead triangles, and of two hits at the same distance the one that comes later in the
-/// set.
+/// set. Looks at the triangles themselves only where it must: they are rarely in the cache.
 void accept_hit(const RTCFilterFunctionNArguments* arguments) {
   auto* context = reinterpret_cast<trace_context*>(arguments->context);
-  const primitive& hit = context->current->primitives[RTCHitN_primID(arguments->hit, 1, 0)];
-  if (hit.slot < 0) {
-    arguments->valid[0] = 0;
-    return;
-  }
+  const primitive* hit = &context->current->primitives[RTCHitN_primID(arguments->hit, 1, 0)];
   const float distance = RTCRayN_tfar(arguments->ray, 1, 0);
-  const int rank = (*context->slots)[static_cast<std::size_t>(hit.slot)].rank;
-  if (distance == context->distance &&
-      (rank > context->rank || (rank == context->rank && hit.triangle > context->triangle))) {
+  bool accepted = !context->current->has_dead() || hit->slot >= 0;
+  if (accepted && context->nearest != nullptr && distance == context->distance) {
+    const auto place = [context](const primitive* p) {
+      return std::pair((*context->slots)[static_cast<std::size_t>(p->slot)].rank, p->triangle);
+    };
+    accepted = place(hit) < place(context->nearest);
+  }
+  if (!accepted) {
     arguments->valid[0] = 0;
     return;
   }
   context->distance = distance;
-  context->rank = rank;
-  context->triangle = hit.triangle;
+  context->nearest = hit;
 }
 
 void accept_occluder(const RTCFilterFunctionNArguments* arguments) {
-  const auto* context = reinterpret_cast<const trace_context*>(arguments->context);
-  if (context->current->primitives[RTCHitN_primID(arguments->hit, 1, 0)].slot < 0)
+  const level& current = *reinterpret_cast<const trace_context*>(arguments->context)->current;
+  if (current.has_dead() && current.primitives[RTCHitN_primID(arguments->hit, 1, 0)].slot < 0)
     arguments->valid[0] = 0;
 }
 
@@ -406,16 +406,15 @@ bool qv_raytracer::raytrace(qv_ray& ray) const {
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
   context.slots = &kernel_->slots;
-  context.distance = -1;
-  const primitive* nearest = nullptr;
+  context.nearest = nullptr;
   for (const level& l : kernel_->levels) {
     context.current = &l;
     place(query.ray, ray.origin, l.centre);
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
     query.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
     rtcIntersect1(l.scene, &context.kernel, &query);
-    if (query.hit.geomID != RTC_INVALID_GEOMETRY_ID) nearest = &l.primitives[query.hit.primID];
   }
+  const primitive* nearest = context.nearest;
   if (nearest == nullptr) return false;
   ray.hit_distance = query.ray.tfar;
   ray.hit_mesh = nearest->mesh;

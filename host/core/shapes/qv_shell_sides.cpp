@@ -89,6 +89,10 @@ double solid_angle(const shell_triangle& t, const qv_double3& p, double rounding
   return 2 * std::atan2(volume, denominator);
 }
 
+/// Places that suffice when all of them see what a closed shell shows, and how exactly they must.
+constexpr int agreeing_count = 4;
+constexpr double closed_precision = 1e-3;
+
 /// Mean winding number over the surface, taken at places spread evenly over its area.
 double mean_winding(const std::vector<shell_triangle>& shell, double rounding) {
   double area = 0;
@@ -105,14 +109,22 @@ double mean_winding(const std::vector<shell_triangle>& shell, double rounding) {
       drawn += weight;
     }
   }
+  // Taken in a mixed order, so that the first few are not neighbours.
+  const std::size_t stride = places.size() % 7 != 0 ? 7 : 11;
   double sum = 0, weights = 0;
-  for (const auto& [t, weight] : places) {
+  bool looks_closed = true;
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const auto& [t, weight] = places[i * stride % places.size()];
     const qv_double3 p = (t->corners[0] + t->corners[1] + t->corners[2]) * (1.0 / 3);
     double angle = 0;
     for (const shell_triangle& other : shell)
       if (&other != t) angle += solid_angle(other, p, rounding);
-    sum += weight * angle / (4 * std::numbers::pi);
+    const double winding = angle / (4 * std::numbers::pi);
+    sum += weight * winding;
     weights += weight;
+    looks_closed =
+        looks_closed && std::fabs(std::fabs(winding) - 0.5) < closed_precision && winding * sum > 0;
+    if (looks_closed && i + 1 == agreeing_count) break;
   }
   return weights > 0 ? sum / weights : 0;
 }
