@@ -13,7 +13,6 @@ class point_grid {
  public:
   explicit point_grid(std::vector<point> points);
 
-  bool is_empty() const { return points_.empty(); }
   /// The nearest point of the set closer than the tolerance, null when there is none; among points
   /// at the same distance the one of the lowest source.
   const point* find_nearest(double a, double b) const;

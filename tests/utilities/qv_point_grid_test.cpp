@@ -19,7 +19,6 @@ constexpr double reach = tolerance::vertex_snap;
 
 TEST(qv_point_grid, finds_nothing_in_an_empty_set) {
   const point_grid grid({});
-  EXPECT_TRUE(grid.is_empty());
   EXPECT_EQ(grid.find_nearest(0, 0), nullptr);
 }
 
