@@ -109,7 +109,7 @@ void qv_gbxml_constructions::complete_resistance(material& m) {
                  "R-value " + with_digits(*m.resistance) +
                      " kept, though thickness and conductivity give " + with_digits(*derived));
   } else {
-    ledger.amend(m.entry, outcome::kept, derived ? "as it stands" : "R-value only");
+    ledger.amend(m.entry, outcome::kept, derived ? "" : "R-value only");
   }
 }
 
@@ -142,11 +142,7 @@ void qv_gbxml_constructions::read_layer(qv_xml_element element) {
                    "Material " + quoted(reference) + " is not in the file");
     }
   }
-  if (l.materials.empty()) {
-    ledger.amend(l.entry, outcome::repaired, "it has no material");
-  } else {
-    ledger.amend(l.entry, outcome::kept, "as it stands");
-  }
+  if (l.materials.empty()) ledger.amend(l.entry, outcome::repaired, "it has no material");
   const auto number = static_cast<int>(layers_.size());
   const auto [slot, fresh] = layer_by_id_.try_emplace(l.id, number);
   if (!fresh && !l.id.empty()) {
@@ -204,7 +200,7 @@ void qv_gbxml_constructions::complete_without_layers(construction& c) {
   if (known > 0) {
     ledger.amend(c.entry, outcome::kept,
                  known == static_cast<std::ptrdiff_t>(c.materials.size())
-                     ? "as it stands"
+                     ? ""
                      : "the resistance of some of its layers is not known");
     return;
   }

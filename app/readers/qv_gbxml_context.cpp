@@ -98,8 +98,11 @@ void qv_gbxml_context::finish() {
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::sort(order.begin(), order.end(),
             [this](std::size_t a, std::size_t b) { return entry_offsets_[a] < entry_offsets_[b]; });
-  for (const std::size_t i : order)
+  for (const std::size_t i : order) {
     model_.ledger.set_line(i, document_.get_line(entry_offsets_[i]));
+    if (model_.ledger.get_entries()[i].reason.empty())
+      model_.ledger.amend(i, qv_import_ledger::outcome::kept, "as it stands");
+  }
 }
 
 std::size_t qv_gbxml_context::add_entry(qv_import_ledger::kind kind, qv_xml_element element,

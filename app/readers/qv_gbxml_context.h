@@ -46,8 +46,8 @@ class qv_gbxml_context {
   /// Keeps a warning with the element's place. Of the same words only the first place is kept, and
   /// the number of further places.
   void warn(qv_xml_element element, const std::string& words);
-  /// Writes the warnings into the model, in the order in which they first came, and the lines of
-  /// the ledger's entries.
+  /// Writes the warnings into the model, in the order in which they first came, and into the
+  /// ledger's entries their lines and, where nothing is to be said, that they stand as they are.
   void finish();
 
   /// Opens a ledger entry for the element.

@@ -208,11 +208,10 @@ void qv_gbxml_site::link_zones() {
     } else if (!reference.empty()) {
       ledger.amend(s.entry, outcome::repaired, "Zone " + quoted(reference) + " is not in the file");
     }
-    ledger.amend(s.entry, outcome::kept, s.zone < 0 ? "in no zone of the file" : "as it stands");
+    ledger.amend(s.entry, outcome::kept, s.zone < 0 ? "in no zone of the file" : "");
   }
   for (std::size_t i = 0; i < zones_.size(); ++i)
-    ledger.amend(zones_[i].entry, outcome::kept,
-                 named[i] != 0 ? "as it stands" : "no space names it");
+    ledger.amend(zones_[i].entry, outcome::kept, named[i] != 0 ? "" : "no space names it");
 }
 
 int qv_gbxml_site::find_space(std::string_view id) const {

@@ -145,8 +145,6 @@ void qv_gbxml_walls::choose_types() {
       constructions_.count_use(surface.construction, is_composition_reversed(surface, k),
                                static_cast<int>(choice.type));
     }
-    if (ledger.get_entries()[surface.entry].reason.empty())
-      ledger.amend(surface.entry, outcome::kept, "as it stands");
   }
 }
 

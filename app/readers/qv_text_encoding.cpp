@@ -257,10 +257,11 @@ encoding sniff(std::string_view bytes, std::size_t& mark) {
   if (starts_with_bytes(bytes, {0, 0, 0xFE, 0xFF})) return marked(4, encoding::utf32_be);
   if (starts_with_bytes(bytes, {0xFF, 0xFE})) return marked(2, encoding::utf16_le);
   if (starts_with_bytes(bytes, {0xFE, 0xFF})) return marked(2, encoding::utf16_be);
-  if (starts_with_bytes(bytes, {'<', 0, 0, 0})) return encoding::utf32_le;
-  if (starts_with_bytes(bytes, {0, 0, 0, '<'})) return encoding::utf32_be;
-  if (starts_with_bytes(bytes, {'<', 0})) return encoding::utf16_le;
-  if (starts_with_bytes(bytes, {0, '<'})) return encoding::utf16_be;
+  // Markup and white space are ASCII: the zero bytes of the first character tell width and order.
+  if (bytes.size() >= 4 && bytes[0] != 0 && bytes[1] == 0)
+    return bytes[2] == 0 && bytes[3] == 0 ? encoding::utf32_le : encoding::utf16_le;
+  if (bytes.size() >= 4 && bytes[0] == 0)
+    return bytes[1] == 0 ? encoding::utf32_be : encoding::utf16_be;
   return encoding::unknown;
 }
 

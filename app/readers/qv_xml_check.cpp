@@ -124,7 +124,7 @@ class checker {
         return i + 1;
       }
     }
-    fail(tag, "the tag <" + name_at(tag + 1) + " is not closed",
+    fail(tag, "the tag <" + name_at(tag + 1) + "> is not closed",
          "the file is cut short or damaged: export it again");
   }
 
@@ -146,7 +146,7 @@ class checker {
       while (i < end && !ends_a_name(text_[i])) ++i;
       const std::string_view attribute = text_.substr(first, i - first);
       const std::size_t open = text_.find_first_of("\"'", i);
-      if (open == none || open >= end) return;
+      if (open == none || open >= end) break;
       names_.push_back(attribute);
       i = text_.find(text_[open], open + 1) + 1;
     }
