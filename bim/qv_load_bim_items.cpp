@@ -39,8 +39,8 @@ namespace {
 
 // Within reach until the process ends, so that a leak checker counts none of them as lost.
 void keep(qv::qv_item* instance) {
-  static auto* instances = new std::vector<qv::qv_item*>;
   try {
+    static auto* instances = new std::vector<qv::qv_item*>;
     instances->push_back(instance);
   } catch (const std::bad_alloc&) {
     // Memory is short: the instance lives on all the same.

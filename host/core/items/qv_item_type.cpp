@@ -1,5 +1,6 @@
 #include "core/items/qv_item_type.h"
 
+#include <new>
 #include <string_view>
 #include <unordered_map>
 
@@ -68,7 +69,11 @@ void qv_item_type::optimize_search() {
   registry& known = get_registry();
   known.by_name.clear();
   known.indexed_count = 0;
-  known.index_rest();
+  try {
+    known.index_rest();
+  } catch (const std::bad_alloc&) {
+    // Memory is short: `find` indexes the rest.
+  }
 }
 
 qv_item_type* qv_item_type::find(const std::string& name) {

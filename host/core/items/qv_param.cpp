@@ -130,10 +130,12 @@ unsigned int qv_param_declaration::get_index(const std::string& name, qv_param::
     }
   }
   assert(declarations.size() <= largest_declaration_index);
-  same_name.push_back(static_cast<unsigned int>(declarations.size()));
+  // First the declaration, then its index: when memory is short none is known that does not exist.
   declarations.push_back(
       std::unique_ptr<qv_param_declaration>(new qv_param_declaration{name, type, labels, options}));
-  return same_name.back();
+  const auto index = static_cast<unsigned int>(declarations.size() - 1);
+  same_name.push_back(index);
+  return index;
 }
 
 const qv_param_declaration& qv_param_declaration::at(unsigned int index) {
