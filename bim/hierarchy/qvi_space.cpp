@@ -17,6 +17,9 @@ namespace {
 
 // m; lower parts of a room count towards its volume but not towards its floor area.
 constexpr float least_free_height = 1.8f;
+// m; heights that differ by less are the same: a ray tells its length in single precision, and so
+// do coordinates of a few hundred metres. A room of exactly the least height is not higher.
+constexpr float height_accuracy = 1e-4f;
 // Samples of a floor face, the same ones at every run.
 constexpr int floor_sample_count = 100;
 constexpr int floor_sample_seed = 4895;
@@ -46,7 +49,7 @@ floor_measure measure_above(const qv_polygon& face, const qv_list<qv_3dvector>& 
     ray.maximum_distance = ray_end;
     if (!raytracer.raytrace(ray)) continue;
     ++hits;
-    if (ray.hit_distance > min_height) ++high_hits;
+    if (ray.hit_distance > min_height + height_accuracy) ++high_hits;
     distance_sum += ray.hit_distance;
   }
   if (hits == 0) return {};
