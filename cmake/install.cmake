@@ -17,9 +17,7 @@ install(EXPORT qv_bim-targets NAMESPACE qv:: DESTINATION ${QV_PACKAGE_INSTALL_DI
 
 # The program's own library serves nobody else.
 install(TARGETS qv_app LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_SKIP)
-if(TARGET qv)
-  install(TARGETS qv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-endif()
+install(TARGETS qv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/qv_bim-config-version.cmake
   COMPATIBILITY SameMinorVersion)
