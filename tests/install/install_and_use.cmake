@@ -1,5 +1,5 @@
-# Installs the build into an empty folder, asks the program there for its version, then configures, builds and runs a project that knows
-# nothing but that folder.
+# Installs the build into an empty folder, asks the program there for its version, then configures,
+# builds and runs a project that knows nothing but that folder.
 file(REMOVE_RECURSE ${WORK_DIR})
 
 function(run)
