@@ -46,11 +46,6 @@ std::vector<std::string> model_names() {
   return names;
 }
 
-// Files that are no model at all, and what their refusal says.
-bool is_broken(const std::string& name) {
-  return name == "aim0013_declaredUTF16_is8bit.xml" || name == "spider_l-0area_degenerate.xml";
-}
-
 // Spaces whose measured volume is not the enclosed one, with the reason, by file.
 std::set<std::string> explained_spaces(const std::string& file) {
   std::set<std::string> spaces;
@@ -92,10 +87,6 @@ class shared_model : public testing::TestWithParam<std::string> {
 };
 
 TEST_P(shared_model, studies_with_a_balanced_ledger) {
-  if (is_broken(GetParam())) {
-    EXPECT_THROW(qv::qv_read_gbxml(path()), qv::qv_input_error);
-    return;
-  }
   const auto model = qv::qv_read_gbxml(path());
   qv::qv_compute_model(model, {});
   const auto study = qv::qv_gather_study(model);
@@ -146,7 +137,6 @@ TEST(shared_models, measure_95_of_100_closed_spaces_well) {
   std::size_t explained = 0;
   for (const std::string& name : model_names()) {
     if (name.empty()) GTEST_SKIP() << "no models in " << models_folder();
-    if (is_broken(name)) continue;
     for (const auto& space : qv::qv_read_gbxml(models_folder() + "/" + name).spaces) {
       closed += space.closed ? 1 : 0;
     }
