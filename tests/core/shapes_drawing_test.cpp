@@ -124,6 +124,15 @@ TEST_F(shapes_drawing, draws_the_contour_of_a_mesh_along_its_edges_and_folds) {
     EXPECT_EQ((gl.primitives[0].vertices[i + 1] - gl.primitives[0].vertices[i]).length(), 2);
 }
 
+TEST_F(shapes_drawing, draws_no_diagonal_where_triangles_come_twice) {
+  qv_list<int> twice = cube->get_triangles();
+  for (int corner : cube->get_triangles()) twice.append(corner);
+  cube->set_triangles(twice);
+  gl_recorder gl;
+  cube->render_opengl_contour_raw();
+  EXPECT_EQ(gl.calls, texts{"lines 24"});
+}
+
 TEST_F(shapes_drawing, draws_the_border_of_a_flat_mesh_and_a_fold_only_when_it_is_sharp) {
   for (const auto& [height, lines] : {std::pair(0.0f, 4), {0.1f, 4}, {0.5f, 5}}) {
     const auto tent = make_item<qvi_mesh>();

@@ -424,10 +424,9 @@ TEST(qvi_mesh, does_not_drift_around_a_cylinder) {
   EXPECT_NEAR(polygons.get_area(), 2 * facets * std::sin(3.14159265358979 / 12) * 3, 1e-4);
 }
 
-TEST(qvi_mesh, keeps_squares_that_touch_at_a_corner_each_by_itself) {
+TEST(qvi_mesh, keeps_a_hole_that_touches_the_border_at_a_corner_by_itself) {
   listening_mesh mesh;
-  // A 3 × 3 chessboard of unit squares whose white ones are missing but for the connecting ring:
-  // the hole at the centre touches none, the corner squares touch along edges.
+  // 3 × 3 unit squares less two of them.
   qv_list<qv_3dvector> vertices;
   for (int y = 0; y <= 3; ++y)
     for (int x = 0; x <= 3; ++x) vertices.append({static_cast<float>(x), static_cast<float>(y), 0});
@@ -445,6 +444,8 @@ TEST(qvi_mesh, keeps_squares_that_touch_at_a_corner_each_by_itself) {
   const qv_test::owned_polygons polygons(mesh.build_raw_polygons());
   ASSERT_EQ(polygons.get_count(), 1);
   EXPECT_FLOAT_EQ(polygons[0].get_area(), 7);
+  // The outer contour around the notch, and the hole.
+  EXPECT_EQ(polygons[0].get_contour_count(), 2);
 }
 
 TEST(qvi_mesh, takes_doubled_triangles_once) {

@@ -213,7 +213,8 @@ class outline {
     }
   }
 
-  // The edge farthest to the left: where contours touch at a corner, each so stays by itself.
+  // The edge farthest to the right, with the triangles on the left: a hole that touches the border
+  // or another hole at a corner so stays a contour by itself.
   edge* find_next(const edge& arriving) {
     const auto starts_before = [&](int index, int vertex) { return edges_[index].from < vertex; };
     auto it = std::lower_bound(by_start_.begin(), by_start_.end(), arriving.to, starts_before);
@@ -223,7 +224,7 @@ class outline {
       edge& candidate = edges_[*it];
       if (candidate.used) continue;
       const double turn = get_turn(arriving, candidate);
-      if (best == nullptr || turn > best_turn) {
+      if (best == nullptr || turn < best_turn) {
         best = &candidate;
         best_turn = turn;
       }
@@ -237,7 +238,7 @@ class outline {
     const point out = point(surface_.get_vertex(leaving.to)) - corner;
     const point normal(area_.x, area_.y, area_.z);
     const double turn = std::atan2(in.cross(out).dot(normal) / normal.length(), in.dot(out));
-    return turn > std::numbers::pi - half_turn_error ? -std::numbers::pi : turn;
+    return turn < half_turn_error - std::numbers::pi ? std::numbers::pi : turn;
   }
 
   area_vector get_area(const std::vector<int>& contour) const {
