@@ -99,7 +99,8 @@ qv_list<qvi_polygon*> qvi_bim_object::build_footprints(const qv_list<qvi_mesh*>&
   const int slice_count = static_cast<int>(extent / slice_distance);
   if (slice_count >= 1 && seen.high > seen.low) {
     const float step = extent / static_cast<float>(slice_count + 1);
-    // Adding steps in single precision may leave room for one slice more just under the top, and no more than that.
+    // Adding steps in single precision may leave room for one slice more just under the top, and no
+    // more than that.
     float height = seen.low;
     for (int slice = 0; slice <= slice_count + 1 && height < seen.high; ++slice) {
       add_footprint(lifted(seen.outline, height));
