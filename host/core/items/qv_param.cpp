@@ -104,7 +104,7 @@ bool within(float a, float b, float tolerance) {
 }
 
 // What the index of a parameter's declaration can hold.
-[[maybe_unused]] constexpr std::size_t largest_declaration_index = (1u << 20) - 1;
+[[maybe_unused]] constexpr std::size_t largest_declaration_index = (1u << 19) - 1;
 
 std::vector<std::unique_ptr<qv_param_declaration>>& get_declarations() {
   static auto& declarations = *new std::vector<std::unique_ptr<qv_param_declaration>>;
@@ -151,13 +151,20 @@ qv_param_store::qv_param_store(qv_item* owner) : owner_(owner) {
 
 qv_param_store::~qv_param_store() {
   for (int i = 0; i < count_; ++i) get(i)->~qv_param();
-  for (block* extra = first_.next; extra != nullptr;) delete std::exchange(extra, extra->next);
+  for (extra_block* extra = first_.next; extra != nullptr;)
+    delete std::exchange(extra, extra->next);
 }
 
 qv_param* qv_param_store::get(int index) const {
-  const block* place = &first_;
-  for (; index >= block_size; index -= block_size) place = place->next;
-  return std::launder(reinterpret_cast<qv_param*>(const_cast<std::byte*>(place->params[index])));
+  const std::byte* place = nullptr;
+  if (index < first_size) {
+    place = first_.params[index];
+  } else {
+    const extra_block* extra = first_.next;
+    for (index -= first_size; index >= extra_size; index -= extra_size) extra = extra->next;
+    place = extra->params[index];
+  }
+  return std::launder(reinterpret_cast<qv_param*>(const_cast<std::byte*>(place)));
 }
 
 qv_param* qv_param_store::find(const std::string& name) const {
@@ -168,18 +175,22 @@ qv_param* qv_param_store::find(const std::string& name) const {
 }
 
 qv_param* qv_param_store::add(unsigned int declaration, unsigned int date) {
-  block* place = &first_;
+  std::byte* place = nullptr;
   int slot = count_;
-  for (; slot >= block_size; slot -= block_size) {
-    if (place->next == nullptr) {
-      place->next = new block;
-      place->next->store = this;
-      place->next->next = nullptr;
+  if (slot < first_size) {
+    place = first_.params[slot];
+  } else {
+    extra_block** extra = &first_.next;
+    for (slot -= first_size; slot >= extra_size; slot -= extra_size) extra = &(*extra)->next;
+    if (*extra == nullptr) {
+      *extra = new extra_block;
+      (*extra)->store = this;
+      (*extra)->next = nullptr;
     }
-    place = place->next;
+    place = (*extra)->params[slot];
   }
   ++count_;
-  return new (place->params[slot]) qv_param(declaration, static_cast<unsigned int>(slot), date);
+  return new (place) qv_param(declaration, static_cast<unsigned int>(slot), date);
 }
 
 // --- parameter ---
@@ -260,9 +271,9 @@ const qv_param_declaration& qv_param::get_declaration() const {
 
 qv_item* qv_param::get_owner() const {
   const auto* const first = reinterpret_cast<const std::byte*>(this - slot_);
-  const auto* const block = reinterpret_cast<const qv_param_store::block*>(
-      first - offsetof(qv_param_store::block, params));
-  return block->store->owner_;
+  // Every block begins alike, whatever its size.
+  using block = qv_param_store::extra_block;
+  return reinterpret_cast<const block*>(first - offsetof(block, params))->store->owner_;
 }
 
 const std::string& qv_param::get_name() const {

@@ -129,8 +129,8 @@ class qv_param {
   // Models have very many parameters, so one takes 24 bytes: its declaration is an index into the
   // list of all, and its owner is found through the block of the store in which it lies.
   std::uint32_t date_;
-  std::uint32_t declaration_ : 20;
-  std::uint32_t slot_ : 2;
+  std::uint32_t declaration_ : 19;
+  std::uint32_t slot_ : 3;
   std::uint32_t type_ : 5;
   std::uint32_t kind_ : 5;
   // Small values lie in place; strings, matrices and lists on the heap, where null stands for
