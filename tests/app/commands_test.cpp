@@ -234,6 +234,18 @@ TEST(qv_study_command, writes_the_four_files_and_a_summary) {
   }
 }
 
+TEST(qv_study_command, prints_what_the_readme_shows) {
+  const std::string page = qv_file_content(QV_SOURCE_DIR "/README.md");
+  const auto begin = page.find("Study of samples/house.xml");
+  ASSERT_NE(begin, std::string::npos);
+  const std::string shown = page.substr(begin, page.find("```", begin) - begin);
+  const qv_temporary_folder place;
+  const auto run =
+      qv_run_shell("cd '" QV_SOURCE_DIR "' && \"$QV\" study samples/house.xml --out '" +
+                   place.path().string() + "'");
+  EXPECT_THAT(run.output, testing::StartsWith(shown));
+}
+
 TEST(qv_study_command, gives_the_same_files_each_time_and_from_any_folder) {
   const qv_temporary_folder place;
   const std::string first = place.path() / "first";
@@ -280,7 +292,7 @@ TEST(qv_info_command, says_what_a_model_holds) {
   const auto run = qv_run({"info", sample});
   EXPECT_EQ(run.exit_code, 0) << run.errors;
   EXPECT_EQ(run.errors, "");
-  for (const char* text : {"gbXML", "Meters", "Lyon", "11 spaces", "Surface", "kept"}) {
+  for (const char* text : {"gbXML", "Meters", "Lyon", "spaces 11 (11 closed)", "Surface", "kept"}) {
     EXPECT_THAT(run.output, HasSubstr(text));
   }
 }
