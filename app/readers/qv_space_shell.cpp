@@ -97,6 +97,7 @@ std::vector<int> corners_on(const edge& whole, const std::vector<int>& corners,
   }
   std::sort(found.begin(), found.end());
   std::vector<int> sorted;
+  sorted.reserve(found.size());
   for (const auto& [t, corner] : found) sorted.push_back(corner);
   return sorted;
 }

@@ -18,7 +18,7 @@ class qv_solar_income {
   qv_solar_income() = default;
   qv_solar_income(const qv_solar_income& other) : results_(other.share_results()) {}
   qv_solar_income& operator=(const qv_solar_income& other) {
-    results_ = other.share_results();
+    if (this != &other) results_ = other.share_results();
     return *this;
   }
 
