@@ -134,7 +134,7 @@ void qv_gbxml_constructions::read_layer(qv_xml_element element) {
   for (const qv_xml_element child : element) {
     if (!child.is("MaterialId")) continue;
     const std::string_view reference = child.get_attribute("materialIdRef");
-    const auto found = material_by_id_.find(std::string(reference));
+    const auto found = material_by_id_.find(reference);
     if (found != material_by_id_.end()) {
       l.materials.push_back(found->second);
     } else {
@@ -164,7 +164,7 @@ void qv_gbxml_constructions::read_construction(qv_xml_element element) {
   for (const qv_xml_element child : element) {
     if (!child.is("LayerId")) continue;
     const std::string_view reference = child.get_attribute("layerIdRef");
-    const auto found = layer_by_id_.find(std::string(reference));
+    const auto found = layer_by_id_.find(reference);
     if (found == layer_by_id_.end()) {
       ledger.amend(c.entry, outcome::repaired,
                    "Layer " + quoted(reference) + " is not in the file");
@@ -248,7 +248,7 @@ void qv_gbxml_constructions::share_construction(int number) {
 }
 
 int qv_gbxml_constructions::find(std::string_view id) const {
-  const auto found = construction_by_id_.find(std::string(id));
+  const auto found = construction_by_id_.find(id);
   return found == construction_by_id_.end() ? -1 : found->second;
 }
 

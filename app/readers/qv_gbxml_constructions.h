@@ -4,10 +4,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "app/readers/qv_gbxml_context.h"
+#include "app/readers/qv_id_map.h"
 
 namespace qv {
 
@@ -88,11 +88,11 @@ class qv_gbxml_constructions {
   std::vector<material> materials_;
   std::vector<layer> layers_;
   std::vector<construction> constructions_;
-  std::unordered_map<std::string, int> material_by_id_;
-  std::unordered_map<std::string, int> material_by_key_;
-  std::unordered_map<std::string, int> layer_by_id_;
-  std::unordered_map<std::string, int> construction_by_id_;
-  std::unordered_map<std::string, int> construction_by_key_;
+  qv_id_map material_by_id_;
+  qv_id_map material_by_key_;
+  qv_id_map layer_by_id_;
+  qv_id_map construction_by_id_;
+  qv_id_map construction_by_key_;
 };
 
 }  // namespace qv

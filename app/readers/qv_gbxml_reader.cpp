@@ -98,13 +98,14 @@ void build_model(qv::qv_gbxml_context& context) {
   qv_load_bim_items();
   model.scene = std::make_unique<qv::qv_scene>();
   model.root = new qv::qvi_bim_root;
-  model.scene->add_child(model.root, -1);
   model.root->set_name(context.get_document().get_name());
   model.root->set_original_walls_spaces(true);
   qv::qv_unique_ids ids;
   constructions.make_items(model.root, ids);
   site.make_items(model.root, ids);
   walls.make_items(ids);
+  // As a whole, which the scene indexes in one go.
+  model.scene->add_child(model.root, -1);
   context.finish();
 }
 

@@ -202,7 +202,7 @@ void qv_gbxml_site::link_zones() {
   std::vector<char> named(zones_.size(), 0);
   for (space_record& s : spaces_) {
     const std::string_view reference = s.element.get_attribute("zoneIdRef");
-    if (const auto found = zone_by_id_.find(std::string(reference)); found != zone_by_id_.end()) {
+    if (const auto found = zone_by_id_.find(reference); found != zone_by_id_.end()) {
       s.zone = found->second;
       named[static_cast<std::size_t>(s.zone)] = 1;
     } else if (!reference.empty()) {
@@ -215,7 +215,7 @@ void qv_gbxml_site::link_zones() {
 }
 
 int qv_gbxml_site::find_space(std::string_view id) const {
-  const auto found = space_by_id_.find(std::string(id));
+  const auto found = space_by_id_.find(id);
   return found == space_by_id_.end() ? -1 : found->second;
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/readers/qv_gbxml_context.h"
+#include "app/readers/qv_id_map.h"
 
 namespace qv {
 
@@ -87,9 +88,9 @@ class qv_gbxml_site {
   std::vector<zone_record> zones_;
   std::vector<space_record> spaces_;
   std::vector<surface_place> surfaces_;
-  std::unordered_map<std::string, int> building_by_id_;
-  std::unordered_map<std::string, int> space_by_id_;
-  std::unordered_map<std::string, int> zone_by_id_;
+  qv_id_map building_by_id_;
+  qv_id_map space_by_id_;
+  qv_id_map zone_by_id_;
 };
 
 }  // namespace qv

@@ -93,10 +93,10 @@ void qv_gbxml_walls::turn_outwards() {
   std::vector<qv_gbxml_surface>& all = surfaces_.get_surfaces();
   std::vector<opinion> opinions(all.size());
   for (std::size_t s = 0; s < spaces_.size(); ++s) {
-    const qv_shell_verdict verdict = qv_orient_shell(spaces_[s].faces, surfaces_.get_points());
-    context_.get_model().spaces[s].closed = verdict.closed;
-    for (std::size_t f = 0; f < verdict.faces.size(); ++f)
-      opinions[static_cast<std::size_t>(spaces_[s].places[f].surface)].hear(verdict.faces[f]);
+    space_faces& space = spaces_[s];
+    space.verdict = qv_orient_shell(space.faces, surfaces_.get_points());
+    for (std::size_t f = 0; f < space.faces.size(); ++f)
+      opinions[static_cast<std::size_t>(space.places[f].surface)].hear(space.verdict.faces[f]);
   }
   double sure = 0;
   double wrong = 0;
@@ -118,6 +118,11 @@ void qv_gbxml_walls::turn_outwards() {
     if (o.evidence == qv_shell_evidence::none) o.right = !file_is_inverted;
     if (!o.right) turn(surface);
   }
+  for (space_faces& space : spaces_)
+    for (std::size_t f = 0; f < space.faces.size(); ++f)
+      if (opinions[static_cast<std::size_t>(space.places[f].surface)].right !=
+          space.verdict.faces[f].right)
+        space.overruled = true;
 }
 
 void qv_gbxml_walls::turn(qv_gbxml_surface& surface) {
@@ -158,8 +163,9 @@ bool qv_gbxml_walls::is_composition_reversed(const qv_gbxml_surface& surface,
 void qv_gbxml_walls::measure_spaces() {
   for (std::size_t s = 0; s < spaces_.size(); ++s) {
     qv_source_space& space = context_.get_model().spaces[s];
-    // A space that had no say about one of its faces may be open as its faces stand now.
-    space.closed = space.closed && qv_is_shell_closed(spaces_[s].faces, surfaces_.get_points());
+    space.closed = spaces_[s].overruled
+                       ? qv_is_shell_closed(spaces_[s].faces, surfaces_.get_points())
+                       : spaces_[s].verdict.closed;
     space.enclosed_volume = qv_shell_volume(spaces_[s].faces);
     space.surface_count = 0;
     space.floor_area = 0;

@@ -36,6 +36,8 @@ class qv_gbxml_walls {
   struct space_faces {
     std::vector<qv_shell_face> faces;
     std::vector<face_place> places;
+    qv_shell_verdict verdict;
+    bool overruled = false;  // a face was not turned as the verdict asked
   };
 
   void collect_faces();

@@ -47,6 +47,15 @@ std::string_view qv_xml_element::get_name() const {
   return local_part(get_full_name());
 }
 
+bool qv_xml_element::is(std::string_view local_name) const {
+  const char* name = wrap(node_).name();
+  std::size_t i = 0;
+  while (i < local_name.size() && name[i] == local_name[i]) ++i;
+  if (i == local_name.size() && name[i] == '\0') return true;
+  while (name[i] != '\0' && name[i] != ':') ++i;
+  return name[i] == ':' && local_name == name + i + 1;
+}
+
 qv_xml_element qv_xml_element::get_first_child() const {
   return qv_xml_element(element_from(wrap(node_).first_child()));
 }

@@ -25,7 +25,7 @@ class qv_xml_element {
   std::string_view get_name() const;
   /// The name as written, with its prefix.
   std::string_view get_full_name() const;
-  bool is(std::string_view local_name) const { return get_name() == local_name; }
+  bool is(std::string_view local_name) const;
 
   /// First child element, and the element that follows this one among its parent's.
   qv_xml_element get_first_child() const;
