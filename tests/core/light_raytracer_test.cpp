@@ -338,6 +338,7 @@ TEST(qv_raytracer, gives_after_many_changes_what_a_new_one_gives) {
   const std::vector<corners> triangles = scatter(600, 8, 6);
   std::vector<std::vector<corners>> parts(200);
   for (std::size_t i = 0; i < triangles.size(); ++i) parts[i / 3].push_back(triangles[i]);
+  meshes.reserve(parts.size());
   for (const auto& part : parts) meshes.push_back(make_mesh(part));
   qv_list<qvi_mesh*> members;
   for (const auto& mesh : meshes) members.append(mesh.get());

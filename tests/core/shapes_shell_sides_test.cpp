@@ -326,6 +326,7 @@ TEST(shell_sides, turns_nothing_the_second_time_on_random_triangles) {
 TEST(shell_sides, keeps_one_seam_of_a_moebius_strip) {
   std::vector<loop> faces;
   const int count = 24;
+  faces.reserve(count);
   const auto rung = [&](int i, float side) {
     const float turn = 2 * 3.14159265f * static_cast<float>(i) / count, twist = turn / 2;
     const float r = 5 + side * std::cos(twist);

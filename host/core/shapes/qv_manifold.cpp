@@ -11,6 +11,11 @@ namespace qv {
 
 namespace {
 
+/// Whether face `index` must be turned.
+bool is_turned(const std::vector<bool>& turn, int index) {
+  return turn[static_cast<std::size_t>(index)];
+}
+
 /// The faces that one item contributes: a polygon or solid as a whole, each triangle of a mesh by
 /// itself.
 struct shell_part {
@@ -46,8 +51,7 @@ int turn_whole(qvi_mesh* mesh, int face_count) {
 int turn_triangles(const shell_part& part, const std::vector<bool>& turn, int count) {
   qv_list<int> indices = part.mesh->get_triangles();
   for (int i = 0; i < part.face_count; ++i)
-    if (turn[static_cast<std::size_t>(part.first_face + i)])
-      std::swap(indices[3 * i + 1], indices[3 * i + 2]);
+    if (is_turned(turn, part.first_face + i)) std::swap(indices[3 * i + 1], indices[3 * i + 2]);
   part.mesh->set_triangles(indices);
   return count;
 }
@@ -77,7 +81,7 @@ int qv_check_mesh_manifold_orientation(qv::qv_item* item) {
   for (const shell_part& part : parts) {
     int count = 0;
     for (int i = 0; i < part.face_count; ++i)
-      if (turn[static_cast<std::size_t>(part.first_face + i)]) ++count;
+      if (is_turned(turn, part.first_face + i)) ++count;
     if (count == 0) continue;
     turned_count +=
         count == part.face_count ? turn_whole(part.mesh, count) : turn_triangles(part, turn, count);

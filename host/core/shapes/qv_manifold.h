@@ -11,5 +11,7 @@ class qv_item;
 /// bounds no side. Several shells are treated one by one; a shell inside another one is oriented
 /// outwards by itself. Shells too open to enclose a volume are made consistent and keep the side of
 /// most of their area. Faces are turned by `qvi_mesh::reverse`, dated and announced; faces that
-/// need no turning are not touched. Returns the number of faces turned; 0 for null.
+/// need no turning are not touched. A polygon is one face, a solid is turned as a whole, a mesh
+/// triangle by triangle (a mesh of which only some are wrong gets new "triangles"). Returns the
+/// number of faces turned; 0 for null. `docs/orientation.md` tells how.
 int qv_check_mesh_manifold_orientation(qv::qv_item* item);
