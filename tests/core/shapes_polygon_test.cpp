@@ -106,6 +106,18 @@ TEST(qvi_polygon, triangulates_anew_only_after_a_change_of_shape) {
   for (const qv_3dvector& vertex : item.get_triangle_vertices()) EXPECT_EQ(vertex.z, 5);
 }
 
+TEST(qvi_polygon, copies_the_same_triangles_kept_or_not_and_new_ones_after_a_change) {
+  const auto polygon = make_item<qvi_polygon>();
+  const qv_polygon frame = make_frame();
+  polygon->load_from_polygon(&frame);
+  const qv_triangulation before_keeping = polygon->copy_triangles();
+  EXPECT_EQ(before_keeping.vertices, polygon->get_triangle_vertices());
+  EXPECT_EQ(before_keeping.triangles, polygon->get_triangle_indices());
+  EXPECT_EQ(before_keeping.triangles, polygon->copy_triangles().triangles);
+  polygon->load_from_polygon(nullptr);
+  EXPECT_EQ(polygon->copy_triangles().triangles.get_count(), 0);
+}
+
 TEST(qvi_polygon, dates_every_parameter_of_its_shape) {
   listening_polygon item;
   unsigned int date = item.get_shape_date();

@@ -28,8 +28,10 @@ struct shell_part {
 int collect_part(qvi_mesh* mesh, int first_face, int owner, std::vector<shell_part>& parts,
                  std::vector<qv_face_triangle>& triangles) {
   shell_part part{mesh, first_face, 0, !mesh->has_type("polygon") && !mesh->has_type("solid")};
-  const qv_list<qv_3dvector>& points = mesh->get_triangle_vertices();
-  const qv_list<int>& indices = mesh->get_triangle_indices();
+  // Shells are many and seldom drawn or traced: their triangles are not worth keeping.
+  const qv_triangulation surface = mesh->copy_triangles();
+  const qv_list<qv_3dvector>& points = surface.vertices;
+  const qv_list<int>& indices = surface.triangles;
   const auto is_point = [&](int i) { return i >= 0 && i < points.get_count(); };
   for (int i = 0; i + 2 < indices.get_count(); i += 3) {
     const int a = indices[i], b = indices[i + 1], c = indices[i + 2];

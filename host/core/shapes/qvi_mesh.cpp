@@ -55,6 +55,13 @@ const qv_list<int>& qvi_mesh::get_triangle_indices() {
   return has_own_triangles() ? triangles_param_->get_int_list() : get_triangulation().triangles;
 }
 
+qv_triangulation qvi_mesh::copy_triangles() {
+  const derived_geometry* const derived = derived_.find();
+  const bool kept = derived != nullptr && derived->built && derived->built_date == get_shape_date();
+  if (!has_own_triangles() && !kept) return build_triangulation();
+  return {get_triangle_vertices(), get_triangle_indices()};
+}
+
 int qvi_mesh::get_nb_triangles() {
   return get_triangle_indices().get_count() / 3;
 }

@@ -48,6 +48,9 @@ class qvi_mesh : public qv_item {
   const qv_list<qv_3dvector>& get_triangle_vertices();
   /// Three indices into `get_triangle_vertices` for each triangle.
   const qv_list<int>& get_triangle_indices();
+  /// Both as a copy, for a single look: a polygon, solid or instance that has not needed its
+  /// triangles yet makes them for the caller and keeps none.
+  qv_triangulation copy_triangles();
   /// Corners of triangle `index`, and its unit normal when `normal` is not null. False, and nothing
   /// written, for an index out of range or a triangle whose vertex indices are out of range. A
   /// triangle without area has the zero normal.
