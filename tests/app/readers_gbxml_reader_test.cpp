@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 #include "bim/envelope/qvi_wall.h"
 #include "bim/hierarchy/qvi_space.h"
@@ -181,4 +183,55 @@ TEST(qv_read_gbxml, the_scene_measures_what_the_reader_says) {
   model.scene->precompute();
   EXPECT_NEAR(model.spaces[0].item->get_area(), model.spaces[0].floor_area, 1e-4);
   EXPECT_NEAR(model.spaces[0].item->get_volume(), model.spaces[0].enclosed_volume, 1e-3);
+}
+
+TEST(qv_read_gbxml, damaged_files_are_refused_or_read_in_balance) {
+  constexpr unsigned seed = 4711;
+  SCOPED_TRACE(seed);
+  std::mt19937 random(seed);
+  const auto below = [&random](std::size_t limit) {
+    return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
+  };
+  const std::string sound =
+      qv_gbxml_text()
+          .head(
+              "<Material id=\"m\"><R-value>1</R-value></Material><Layer id=\"l\">"
+              "<MaterialId materialIdRef=\"m\"/></Layer><Construction id=\"c\">"
+              "<LayerId layerIdRef=\"l\"/></Construction>")
+          .box("a", {0, 0, 0}, {4, 3, 2.5})
+          .box("b", {4, 0, 0}, {8, 3, 2.5})
+          .text();
+  // A corner that the damage moves far away is rounded more coarsely in single precision.
+  constexpr double coarse_rounding = 1e-5;
+  int read = 0;
+  for (int round = 0; round < 3000; ++round) {
+    std::string text = sound;
+    for (std::size_t hits = 1 + below(4); hits > 0; --hits) {
+      const std::size_t at = below(text.size());
+      switch (below(4)) {
+        case 0:
+          text[at] = static_cast<char>(below(256));
+          break;
+        case 1:
+          text.erase(at, 1 + below(40));
+          break;
+        case 2:
+          text.insert(at, text.substr(below(text.size()), below(200)));
+          break;
+        default:
+          // Numbers matter most: a digit, a sign, an exponent, another digit.
+          text[text.find_first_of("0123456789", at) != std::string::npos
+                   ? text.find_first_of("0123456789", at)
+                   : at] = "0123456789-e."[below(13)];
+      }
+    }
+    try {
+      const auto model = qv::qv_read_gbxml_bytes("m.xml", text);
+      ++read;
+      EXPECT_LE(std::abs(model.ledger.get_balance().get_relative_error()), coarse_rounding) << text;
+    } catch (const qv_input_error& error) {
+      EXPECT_EQ(error.get_exit_code(), 3);
+    }
+  }
+  EXPECT_GT(read, 300);
 }
