@@ -97,7 +97,6 @@ void qvi_space::precompute() {
     return;
 
   take_building_of_zone();
-  record_->shell_polygons = qv_collect<qvi_polygon>(this, "polygon");
   qv_precompute_watch::precompute_walls(scene);
   sort_walls();
   make_shell_polygons();
@@ -163,7 +162,7 @@ void qvi_space::sort_walls() {
 }
 
 void qvi_space::make_shell_polygons() {
-  if (!record_->shell_polygons.is_empty()) return;
+  if (!collect("polygon").is_empty()) return;
   for (const qvi_wall* wall : record_->walls) {
     const qvi_polygon* const face =
         wall->get_space_0() == this ? wall->get_face_0() : wall->get_face_1();
@@ -177,7 +176,6 @@ void qvi_space::make_shell_polygons() {
     shell->set_raytracing_layers({});
     shell->set_rendering_layers({"bim"});
     add_child(shell, -1);
-    record_->shell_polygons.append(shell);
   }
 }
 

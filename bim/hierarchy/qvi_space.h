@@ -93,7 +93,6 @@ class qvi_space : public qvi_xspace {
     qv_list<qvi_wall*> outer_walls;
     qv_list<qvi_wall*> floors;
     qv_list<qvi_wall*> ceilings;
-    qv_list<qvi_polygon*> shell_polygons;  // children of the space
   };
   std::shared_ptr<record> record_ = std::make_shared<record>();
 };

@@ -45,9 +45,10 @@ void qvi_space::render_opengl_transparent(const qv_color& color) {
 }
 
 qv_list<qvi_polygon*> qvi_space::get_drawn_faces() const {
-  if (!record_->shell_polygons.is_empty()) return record_->shell_polygons;
-  qv_list<qvi_polygon*> faces;
-  for (const qvi_wall* wall : record_->walls) {
+  // Looked up anew: what the last precompute found may have been taken away since.
+  qv_list<qvi_polygon*> faces = qv_collect<qvi_polygon>(this, "polygon");
+  if (!faces.is_empty() || get_scene() == nullptr) return faces;
+  for (const qvi_wall* wall : find_walls()) {
     if (wall->get_space_0() == this && wall->get_face_0() != nullptr)
       faces.append(wall->get_face_0());
     if (wall->get_space_1() == this && wall->get_face_1() != nullptr)

@@ -124,6 +124,23 @@ TEST_F(qvi_space_view, draws_the_faces_of_its_walls_while_it_has_no_shell) {
   EXPECT_EQ(at_24_5, 2);
 }
 
+// The user may take shell polygons and walls away; a draw may come before the next precompute.
+TEST_F(qvi_space_view, draws_nothing_that_is_gone) {
+  scene_.precompute();
+  for (qv_item* polygon : room_.space->collect("polygon")) qv_item::destroy(polygon);
+  {
+    gl_recorder gl;
+    room_.space->render_opengl_transparent({1, 0, 0, 1});
+    EXPECT_EQ(gl.get_contours().size(), 6u);  // the walls' faces instead
+  }
+  qv_item::destroy(room_.roof);
+  {
+    gl_recorder gl;
+    room_.space->render_opengl_transparent({1, 0, 0, 1});
+    EXPECT_EQ(gl.get_contours().size(), 5u);
+  }
+}
+
 TEST_F(qvi_space_view, draws_the_spaces_directly_below_it) {
   auto* child = qv_test::add_space(*room_.space);
   auto* folder = new qv_item;
