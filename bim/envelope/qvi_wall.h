@@ -65,7 +65,8 @@ class qvi_wall : public qv_item, public qv_solar_income {
   QV_PARAM_ITEM(qvi_polygon, face_1)
   QV_PARAM_ITEM(qvi_polygon, pierced_face_1)
 
-  // Found by the last `precompute`; empty and 0 before.
+  // Found by the last `precompute`; empty and 0 before. Items that left the scene since stay listed
+  // until the next one.
 
   /// The openings that name this wall, in scene order.
   const qv_list<qvi_opening*>& get_openings() const { return record_->openings; }

@@ -23,7 +23,8 @@ class qvi_building : public qv_item {
   /// lie to belong to it.
   QV_PARAM_LIST(float, floors)
 
-  // Found and summed by the last `precompute`; empty and 0 before.
+  // Found and summed by the last `precompute`; empty and 0 before. Items that left the scene since
+  // stay listed until the next one.
 
   /// The site above the building, or null.
   qvi_campus* get_campus() const { return record_->campus; }

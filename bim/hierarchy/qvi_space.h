@@ -31,7 +31,8 @@ class qvi_space : public qvi_xspace {
   QV_PARAM_ITEM(qvi_usage_lighting, usage_lighting)
   QV_PARAM_ITEM(qvi_usage_internal_gains, usage_internal_gains)
 
-  // Walls found by the last `precompute`, in scene order; empty before.
+  // Walls found by the last `precompute`, in scene order; empty before. Those that left the scene
+  // since stay listed until the next one.
 
   /// Every wall that bounds the space.
   const qv_list<qvi_wall*>& get_walls() const { return record_->walls; }

@@ -26,7 +26,8 @@ class qvi_zone : public qv_item {
   QV_PARAM_ITEM(qvi_usage_lighting, usage_lighting)
   QV_PARAM_ITEM(qvi_usage_internal_gains, usage_internal_gains)
 
-  // Gathered and summed by the last `precompute`; empty and 0 before.
+  // Gathered and summed by the last `precompute`; empty and 0 before. Spaces that left the scene
+  // since stay listed until the next one.
 
   /// In scene order.
   const qv_list<qvi_space*>& get_spaces() const { return record_->spaces; }
