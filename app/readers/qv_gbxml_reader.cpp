@@ -95,7 +95,8 @@ void build_model(qv::qv_gbxml_context& context) {
   walls.choose_types();
   walls.measure_spaces();
 
-  qv_load_bim_items();
+  static const bool loaded = (qv_load_bim_items(), true);
+  static_cast<void>(loaded);
   model.scene = std::make_unique<qv::qv_scene>();
   model.root = new qv::qvi_bim_root;
   model.root->set_name(context.get_document().get_name());
