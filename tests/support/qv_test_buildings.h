@@ -52,7 +52,8 @@ struct block {
   std::vector<qv::qvi_wall*> walls;
 
   qv::qvi_space* at(int x, int y, int z) const {
-    return spaces[static_cast<std::size_t>((z * count_y + y) * count_x + x)];
+    const int index = (z * count_y + y) * count_x + x;
+    return spaces[static_cast<std::size_t>(index)];
   }
 };
 

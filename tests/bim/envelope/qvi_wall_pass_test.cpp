@@ -32,6 +32,7 @@ namespace {
 // `count` rooms in a row, before the walls between them in the order of the scene.
 void add_row_of_rooms(qv_scene& scene, int count) {
   std::vector<qvi_space*> spaces;
+  spaces.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) spaces.push_back(qv_test::add_space(scene));
   for (int i = 0; i < count; ++i) {
     auto* const wall = new counting_wall;

@@ -179,6 +179,7 @@ TEST_F(build_buildings, groups_random_models_as_a_union_of_sets_does) {
     recording_scene scene;
     const int count = 1 + static_cast<int>(random() % 40);
     std::vector<qvi_space*> spaces;
+    spaces.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) spaces.push_back(qv_test::add_space(scene));
     std::vector<int> set(static_cast<std::size_t>(count));
     std::iota(set.begin(), set.end(), 0);
