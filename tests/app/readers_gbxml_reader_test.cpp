@@ -65,11 +65,11 @@ TEST(qv_read_gbxml, a_missing_file_and_a_directory_cannot_be_read) {
 TEST(qv_read_gbxml, an_empty_file_a_truncated_one_and_another_xml_are_bad_input) {
   const qv_temporary_folder folder;
   const auto write = [&folder](const std::string& content) {
-    const std::string path = (folder.path() / "m.xml").string();
+    std::string path = (folder.path() / "m.xml").string();
     std::ofstream(path, std::ios::binary) << content;
     return path;
   };
-  const std::string path = write("");
+  std::string path = write("");
   EXPECT_EQ(message_of_file(path, 3), path + ": is empty; export the model again");
   const std::string text = room();
   for (std::size_t length = 1; length + 2 < text.size(); length += 37) {
