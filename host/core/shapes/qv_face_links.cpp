@@ -10,6 +10,7 @@
 #include <tuple>
 #include <unordered_map>
 
+#include "core/shapes/qv_box_tree.h"
 #include "core/shapes/qv_double3.h"
 #include "utilities/qv_tolerances.h"
 
@@ -320,87 +321,6 @@ double link_builder::gap_between(const half_edge& a, const half_edge& b) const {
   return std::max(rounding_, std::min(gap_, gap_share * shorter));
 }
 
-/// Boxes around edges, as a tree over an array: the middle of each range splits it.
-class edge_boxes {
- public:
-  edge_boxes(const std::vector<half_edge>& edges, double margin) : edges_(edges) {
-    order_.resize(edges.size());
-    for (std::uint32_t i = 0; i < order_.size(); ++i) order_[i] = i;
-    nodes_.reserve(edges.size() * 2);
-    margin_ = qv_double3(margin, margin, margin);
-    if (!edges.empty()) build(0, edges.size());
-  }
-
-  /// Edges whose boxes come within the margin of edge `index`'s box, that one left out.
-  void find(std::uint32_t index, std::vector<std::uint32_t>& found) const {
-    found.clear();
-    const half_edge& e = edges_[index];
-    search(0, min(e.from, e.to) - margin_, max(e.from, e.to) + margin_, index, found);
-    std::sort(found.begin(), found.end());
-  }
-
- private:
-  struct node {
-    qv_double3 low, high;
-    std::size_t first, last;
-    std::size_t right;  // 0 for a leaf; the left child follows its parent
-  };
-  static constexpr std::size_t leaf_size = 4;
-
-  void build(std::size_t first, std::size_t last) {
-    const std::size_t made = nodes_.size();
-    nodes_.push_back({edges_[order_[first]].from, edges_[order_[first]].from, first, last, 0});
-    for (std::size_t i = first; i < last; ++i) {
-      const half_edge& e = edges_[order_[i]];
-      nodes_[made].low = min(nodes_[made].low, min(e.from, e.to));
-      nodes_[made].high = max(nodes_[made].high, max(e.from, e.to));
-    }
-    if (last - first <= leaf_size) return;
-    const qv_double3 size = nodes_[made].high - nodes_[made].low;
-    const int axis = size.x >= size.y && size.x >= size.z ? 0 : size.y >= size.z ? 1 : 2;
-    const auto place = [&](std::uint32_t i) {
-      const qv_double3 sum = edges_[i].from + edges_[i].to;
-      return std::tuple(axis == 0 ? sum.x : axis == 1 ? sum.y : sum.z, i);
-    };
-    const std::size_t middle = (first + last) / 2;
-    const auto begin = order_.begin();
-    std::nth_element(begin + static_cast<std::ptrdiff_t>(first),
-                     begin + static_cast<std::ptrdiff_t>(middle),
-                     begin + static_cast<std::ptrdiff_t>(last),
-                     [&](std::uint32_t a, std::uint32_t b) { return place(a) < place(b); });
-    build(first, middle);
-    nodes_[made].right = nodes_.size();
-    build(middle, last);
-  }
-
-  void search(std::size_t at, const qv_double3& low, const qv_double3& high, std::uint32_t except,
-              std::vector<std::uint32_t>& found) const {
-    const node& n = nodes_[at];
-    if (!overlaps(n.low, n.high, low, high) || found.size() >= largest_neighbourhood) return;
-    if (n.right != 0) {
-      search(at + 1, low, high, except, found);
-      search(n.right, low, high, except, found);
-      return;
-    }
-    for (std::size_t i = n.first; i < n.last; ++i) {
-      const half_edge& e = edges_[order_[i]];
-      if (order_[i] != except && overlaps(min(e.from, e.to), max(e.from, e.to), low, high))
-        found.push_back(order_[i]);
-    }
-  }
-
-  static bool overlaps(const qv_double3& low_a, const qv_double3& high_a, const qv_double3& low_b,
-                       const qv_double3& high_b) {
-    return low_a.x <= high_b.x && low_b.x <= high_a.x && low_a.y <= high_b.y &&
-           low_b.y <= high_a.y && low_a.z <= high_b.z && low_b.z <= high_a.z;
-  }
-
-  const std::vector<half_edge>& edges_;
-  std::vector<std::uint32_t> order_;
-  std::vector<node> nodes_;
-  qv_double3 margin_;
-};
-
 void link_builder::link_along_edges() {
   const auto place = [](const half_edge& e) {
     const qv_double3 &a = e.low(), &b = e.high();
@@ -408,11 +328,15 @@ void link_builder::link_along_edges() {
   };
   std::sort(lone_.begin(), lone_.end(),
             [&](const half_edge& a, const half_edge& b) { return place(a) < place(b); });
-  const edge_boxes boxes(lone_, gap_);
+  std::vector<qv_double_box> boxes;
+  boxes.reserve(lone_.size());
+  for (const half_edge& e : lone_) boxes.push_back(qv_double_box::around(e.from, e.to));
+  const qv_box_tree tree(boxes);
   std::vector<std::uint32_t> near;
   for (std::uint32_t i = 0; i < lone_.size(); ++i) {
     if (length(lone_[i].to - lone_[i].from) <= rounding_) continue;
-    boxes.find(i, near);
+    tree.find(boxes[i].grown(gap_), near, largest_neighbourhood);
+    near.erase(std::remove(near.begin(), near.end(), i), near.end());
     link_places_along(i, near);
   }
 }
