@@ -1,13 +1,10 @@
 #include "app/readers/qv_gbxml_reader.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
 #include <memory>
 #include <new>
 #include <utility>
 
+#include "app/readers/qv_file.h"
 #include "app/readers/qv_gbxml_constructions.h"
 #include "app/readers/qv_gbxml_context.h"
 #include "app/readers/qv_gbxml_site.h"
@@ -19,42 +16,6 @@
 #include "bim/qv_load_bim_items.h"
 
 namespace {
-
-using qv::qv_input_error;
-
-[[noreturn]] void fail_to_read(const std::string& path, const std::string& problem,
-                               const std::string& advice) {
-  throw qv_input_error(qv_input_error::kind::no_access, {path, 0, "", ""}, problem, advice);
-}
-
-std::string read_bytes(const std::string& path) {
-  std::error_code fault;
-  const auto status = std::filesystem::status(path, fault);
-  if (!std::filesystem::exists(status))
-    fail_to_read(path, "there is no such file", "check the path");
-  if (std::filesystem::is_directory(status))
-    fail_to_read(path, "is a directory", "name a gbXML file in it");
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                             &std::fclose);
-  if (file == nullptr)
-    fail_to_read(path, std::string("cannot be opened: ") + std::strerror(errno),
-                 "check its permissions");
-  std::string bytes;
-  const auto size = std::filesystem::file_size(path, fault);
-  constexpr std::size_t least_piece = 65536;
-  if (!fault) bytes.reserve(static_cast<std::size_t>(size) + least_piece);
-  for (;;) {
-    const std::size_t before = bytes.size();
-    bytes.resize(std::max(bytes.capacity(), before + least_piece));
-    const std::size_t count =
-        std::fread(bytes.data() + before, 1, bytes.size() - before, file.get());
-    bytes.resize(before + count);
-    if (count == 0) break;
-  }
-  if (std::ferror(file.get()) != 0)
-    fail_to_read(path, std::string("cannot be read: ") + std::strerror(errno), "check the disk");
-  return bytes;
-}
 
 std::string read_program(qv::qv_xml_element root) {
   const qv::qv_xml_element program = root.get_child("DocumentHistory").get_child("ProgramInfo");
@@ -116,9 +77,10 @@ namespace qv {
 
 qv_gbxml_model qv_read_gbxml(const std::string& path) {
   try {
-    return qv_read_gbxml_bytes(path, read_bytes(path));
+    return qv_read_gbxml_bytes(path, qv_read_file(path, "a gbXML file"));
   } catch (const std::bad_alloc&) {
-    fail_to_read(path, "is too large for the memory of this machine", "split the model");
+    throw qv_input_error(qv_input_error::kind::no_access, {path, 0, "", ""},
+                         "is too large for the memory of this machine", "split the model");
   }
 }
 
