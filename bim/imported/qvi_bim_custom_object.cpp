@@ -32,11 +32,12 @@ void qvi_bim_custom_object::precompute() {
   qvi_polygon* const polygon = resolve_base(base, placement);
   if (polygon == nullptr) return;
 
-  qvi_solid* const kept = keep_one_solid();
+  // Before solids go: the base may hang below one of them.
   qv_polygon outline;
   polygon->fill_polygon(&outline);
   qv_solid extruded;
   extruded.extrusion(outline, outline.get_normal() * get_thickness());
+  qvi_solid* const kept = keep_one_solid();
   kept->load_from_solid(&extruded);
   kept->matrix_transform(placement, false);
   *date_ = qv_get_date();
@@ -44,7 +45,8 @@ void qvi_bim_custom_object::precompute() {
 
 qvi_solid* qvi_bim_custom_object::keep_one_solid() {
   const qv_list<qvi_solid*> solids = qv_collect<qvi_solid>(this, "solid");
-  for (int i = 1; i < solids.get_count(); ++i) destroy(solids[i]);
+  // From the last one, since a solid may lie below another one.
+  for (int i = solids.get_count() - 1; i > 0; --i) destroy(solids[i]);
   if (!solids.is_empty()) return solids[0];
 
   auto* const solid = new qvi_solid;
