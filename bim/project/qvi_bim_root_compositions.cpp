@@ -6,6 +6,7 @@
 #include "bim/materials/qvi_composition.h"
 #include "bim/materials/qvi_material.h"
 #include "bim/project/qvi_bim_root.h"
+#include "core/items/qv_scene.h"
 
 namespace qv {
 
@@ -43,12 +44,29 @@ material_typology guess_typology(const qvi_material& material, const first_uses&
   return material_typology::other;
 }
 
+bool is_below(const qv_item* item, const qv_item* root) {
+  while (item != nullptr && item != root) item = item->get_parent();
+  return item != nullptr;
+}
+
+/// The compositions below `root`, depth first. In a scene they come from its index: reversing one
+/// composition does not walk over the whole model, so that a check of many walls stays linear.
+qv_list<qvi_composition*> collect_compositions(const qvi_bim_root* root) {
+  qv_scene* const scene = root->get_scene();
+  if (scene == nullptr) return qv_collect<qvi_composition>(root, "composition");
+  qv_list<qvi_composition*> compositions;
+  for (qv_item* item : scene->get_items("composition")) {
+    if (is_below(item, root)) compositions.append(static_cast<qvi_composition*>(item));
+  }
+  return compositions;
+}
+
 }  // namespace
 
 qvi_composition* qvi_bim_root::find_reverse_composition(qvi_composition* composition, bool create) {
   qv_list<qvi_matter*> reversed = composition->get_layers();
   std::reverse(reversed.begin(), reversed.end());
-  for (qvi_composition* candidate : qv_collect<qvi_composition>(this, "composition")) {
+  for (qvi_composition* candidate : collect_compositions(this)) {
     if (candidate->get_layers() == reversed) return candidate;
   }
   if (!create) return nullptr;

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
 #include <set>
 
 #include "app/readers/qv_gbxml_reader.h"
@@ -18,33 +16,20 @@
 #include "core/shapes/qvi_polygon.h"
 #include "tests/app/qv_markdown_table.h"
 #include "tests/app/qv_program.h"
+#include "tests/app/qv_shared_models.h"
 
 // Models of other people's tools, which stand beside the project and not in it.
 namespace {
 
-namespace fs = std::filesystem;
+using qv_test::model_names;
+using qv_test::models_folder;
+using qv_test::shared_model;
 
 constexpr double one_height_tolerance = 1e-3;  // of the enclosed volume
 constexpr double sloped_tolerance = 0.03;
 constexpr double one_height = 1e-3;  // m; rays of one floor that differ by less meet one height
 constexpr double smallest_volume = 1e-3;  // m³; less has no relative error
 constexpr double exception_share = 0.05;
-
-std::string models_folder() {
-  const char* named = std::getenv("QV_SHARED_DATA");
-  return (fs::path(named != nullptr ? named : QV_SOURCE_DIR "/../shared/data") / "gbxml").string();
-}
-
-std::vector<std::string> model_names() {
-  std::vector<std::string> names;
-  std::error_code ignored;
-  for (const auto& entry : fs::directory_iterator(models_folder(), ignored)) {
-    if (entry.path().extension() == ".xml") names.push_back(entry.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  if (names.empty()) names.emplace_back();
-  return names;
-}
 
 // Spaces whose measured volume is not the enclosed one, with the reason, by file.
 std::set<std::string> explained_spaces(const std::string& file) {
@@ -76,15 +61,6 @@ bool meets_one_height(const qv::qvi_space& space, qv::qv_raytracer& rays) {
   }
   return true;
 }
-
-class shared_model : public testing::TestWithParam<std::string> {
- protected:
-  void SetUp() override {
-    if (GetParam().empty()) GTEST_SKIP() << "no models in " << models_folder();
-    qv_load_bim_items();
-  }
-  std::string path() const { return models_folder() + "/" + GetParam(); }
-};
 
 TEST_P(shared_model, studies_with_a_balanced_ledger) {
   const auto model = qv::qv_read_gbxml(path());
@@ -121,15 +97,8 @@ TEST_P(shared_model, studies_with_a_balanced_ledger) {
   }
 }
 
-std::string test_name(const testing::TestParamInfo<std::string>& model) {
-  std::string name = model.param.empty() ? "none" : model.param;
-  std::replace_if(
-      name.begin(), name.end(), [](unsigned char letter) { return std::isalnum(letter) == 0; },
-      '_');
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(gbxml, shared_model, testing::ValuesIn(model_names()), test_name);
+INSTANTIATE_TEST_SUITE_P(gbxml, shared_model, testing::ValuesIn(model_names()),
+                         qv_test::model_test_name);
 
 // Each space that is measured otherwise is explained; together they stay few.
 TEST(shared_models, measure_95_of_100_closed_spaces_well) {

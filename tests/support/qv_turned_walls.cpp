@@ -2,9 +2,18 @@
 
 #include <random>
 
+#include "bim/materials/qvi_composition.h"
+
 using namespace qv;
 
 namespace qv_test {
+
+bool operator==(const wall_sides& a, const wall_sides& b) {
+  const bool same_layers = a.composition == b.composition ||
+                           (a.composition != nullptr && b.composition != nullptr &&
+                            a.composition->get_layers() == b.composition->get_layers());
+  return a.normal == b.normal && a.space_0 == b.space_0 && a.space_1 == b.space_1 && same_layers;
+}
 
 std::vector<wall_sides> take_sides(const qvi_bim_root& root) {
   std::vector<wall_sides> sides;

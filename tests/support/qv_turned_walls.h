@@ -15,10 +15,8 @@ struct wall_sides {
   qv::qvi_space* space_1 = nullptr;
   qv::qvi_composition* composition = nullptr;
 
-  friend bool operator==(const wall_sides& a, const wall_sides& b) {
-    return a.normal == b.normal && a.space_0 == b.space_0 && a.space_1 == b.space_1 &&
-           a.composition == b.composition;
-  }
+  /// Compositions with the same layers count as one: a model may have several.
+  friend bool operator==(const wall_sides& a, const wall_sides& b);
 };
 
 /// Of every wall below `root`, depth first.

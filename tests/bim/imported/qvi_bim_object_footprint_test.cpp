@@ -22,7 +22,7 @@ namespace {
 const qv_matrix upright = qv_matrix::rotation(0, 90);  // a plan becomes a façade that looks at −y
 
 // A prism over a plan, `height` along z, placed by `place`.
-qvi_solid* add_prism(qv_item& parent, qv_polygon plan, float height,
+qvi_solid* add_prism(qv_item& parent, const qv_polygon& plan, float height,
                      const qv_matrix& place = qv_matrix()) {
   qv_solid prism;
   prism.extrusion(plan, {0, 0, height});

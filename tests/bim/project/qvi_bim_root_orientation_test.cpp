@@ -362,12 +362,12 @@ void divide_walls(qvi_bim_root& root, int parts) {
     const float share = 1 / static_cast<float>(parts);
     const qv_3dvector u = (corners[1] - corners[0]) * share;
     const qv_3dvector v = (corners[3] - corners[0]) * share;
-    for (int i = 0; i < parts * parts; ++i) {
-      const qv_3dvector a =
-          corners[0] + u * static_cast<float>(i % parts) + v * static_cast<float>(i / parts);
-      add_wall(root, wall->get_wall_type(), wall->get_space_0(), wall->get_space_1(),
-               rectangle(a, a + u, a + v), 0);
-    }
+    for (int i = 0; i < parts; ++i)
+      for (int k = 0; k < parts; ++k) {
+        const qv_3dvector a = corners[0] + u * static_cast<float>(i) + v * static_cast<float>(k);
+        add_wall(root, wall->get_wall_type(), wall->get_space_0(), wall->get_space_1(),
+                 rectangle(a, a + u, a + v), 0);
+      }
     qv_item::destroy(wall);
   }
 }
