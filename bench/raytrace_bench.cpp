@@ -1,10 +1,11 @@
 #include <benchmark/benchmark.h>
-#include <embree3/rtcore.h>
 
+#include <cmath>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
+#include "bench/qv_bare_kernel.h"
 #include "core/light/qv_ray.h"
 #include "core/light/qv_raytracer.h"
 #include "core/shapes/qvi_mesh.h"
@@ -57,38 +58,8 @@ qv_raytracer& tracer() {
 }
 
 /// The same triangles in the bare kernel.
-struct bare_kernel {
-  bare_kernel() : device(rtcNewDevice(nullptr)), scene(rtcNewScene(device)) {
-    for (const auto& mesh : faces().meshes) {
-      qv_3dvector corners[3];
-      for (int t = 0; t < mesh->get_nb_triangles(); ++t) {
-        mesh->read_triangle(t, corners[0], corners[1], corners[2], nullptr);
-        for (const qv_3dvector& p : corners) {
-          indices.push_back(static_cast<std::uint32_t>(indices.size()));
-          vertices.insert(vertices.end(), {p.x, p.y, p.z});
-        }
-      }
-    }
-    vertices.resize(vertices.size() + 4);
-    rtcSetSceneFlags(scene, RTC_SCENE_FLAG_ROBUST);
-    RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
-    rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                               vertices.data(), 0, 3 * sizeof(float), indices.size());
-    rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, indices.data(),
-                               0, 3 * sizeof(std::uint32_t), indices.size() / 3);
-    rtcCommitGeometry(geometry);
-    rtcAttachGeometry(scene, geometry);
-    rtcReleaseGeometry(geometry);
-    rtcCommitScene(scene);
-  }
-  RTCDevice device;
-  RTCScene scene;
-  std::vector<float> vertices;
-  std::vector<std::uint32_t> indices;
-};
-
-bare_kernel& kernel() {
-  static bare_kernel instance;
+const qv_bench::bare_kernel& kernel() {
+  static const qv_bench::bare_kernel instance(faces().list);
   return instance;
 }
 
@@ -143,30 +114,13 @@ void closest_hit_qv(benchmark::State& state, const std::vector<qv_ray>& (*rays)(
 }
 
 void closest_hit_kernel(benchmark::State& state, const std::vector<qv_ray>& (*rays)()) {
-  const bare_kernel& subject = kernel();
+  const qv_bench::bare_kernel& subject = kernel();
   std::size_t hits = 0;
   for (auto _ : state) {
     for (const qv_ray& from : rays()) {
-      RTCRayHit query;
-      query.ray = {from.origin.x,
-                   from.origin.y,
-                   from.origin.z,
-                   0,
-                   from.direction.x,
-                   from.direction.y,
-                   from.direction.z,
-                   0,
-                   1e8f,
-                   ~0u,
-                   0,
-                   0};
-      query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-      query.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
-      RTCIntersectContext context;
-      rtcInitIntersectContext(&context);
-      rtcIntersect1(subject.scene, &context, &query);
-      if (query.hit.geomID != RTC_INVALID_GEOMETRY_ID) ++hits;
-      benchmark::DoNotOptimize(query.ray.tfar);
+      const float distance = subject.find_nearest(from.origin, from.direction, 0);
+      if (std::isfinite(distance)) ++hits;
+      benchmark::DoNotOptimize(distance);
     }
   }
   count_rays(state, rays(), hits);
@@ -182,28 +136,11 @@ void occluded_qv(benchmark::State& state) {
 }
 
 void occluded_kernel(benchmark::State& state) {
-  const bare_kernel& subject = kernel();
+  const qv_bench::bare_kernel& subject = kernel();
   std::size_t hits = 0;
-  for (auto _ : state) {
-    for (const qv_ray& from : diffuse_rays()) {
-      RTCRay query = {from.origin.x,
-                      from.origin.y,
-                      from.origin.z,
-                      0,
-                      from.direction.x,
-                      from.direction.y,
-                      from.direction.z,
-                      0,
-                      1e8f,
-                      ~0u,
-                      0,
-                      0};
-      RTCIntersectContext context;
-      rtcInitIntersectContext(&context);
-      rtcOccluded1(subject.scene, &context, &query);
-      if (query.tfar < 0) ++hits;
-    }
-  }
+  for (auto _ : state)
+    for (const qv_ray& from : diffuse_rays())
+      if (subject.is_occluded(from.origin, from.direction)) ++hits;
   count_rays(state, diffuse_rays(), hits);
 }
 
