@@ -132,4 +132,12 @@ std::string qvi_opening::get_html_information() {
   return html.append(panel::table_end);
 }
 
+// --- the sun ---
+
+void qvi_opening::compute_solar_income(int direct_rays, int montecarlo_factor, int ray_depth,
+                                       float direct_error, float diffuse_error) {
+  compute_solar_income_of(get_scene(), get_normal(), get_full_face(),
+                          {direct_rays, montecarlo_factor, ray_depth, direct_error, diffuse_error});
+}
+
 }  // namespace qv

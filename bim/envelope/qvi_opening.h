@@ -63,6 +63,13 @@ class qvi_opening : public qv_item, public qv_solar_income {
   /// there is none.
   void compute_physical();
 
+  /// Computes the sun that its full face receives on the side of its normal; results in the getters
+  /// of `qv_solar_income`. Rays, depth and error bounds as `qv_receiver` has them; Monte-Carlo rays
+  /// are `direct_rays` × `montecarlo_factor`. Without a sun in the scene nothing changes. May run
+  /// for several items at once.
+  void compute_solar_income(int direct_rays, int montecarlo_factor, int ray_depth,
+                            float direct_error, float diffuse_error);
+
   std::string get_html_information() override;
   /// As highlight (`selection`): the opening in yellow under the mouse, in red while it or its
   /// composition is selected.

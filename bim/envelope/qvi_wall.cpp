@@ -203,4 +203,20 @@ bool qvi_wall::is_selection_related(qv_item* item) const {
   return false;
 }
 
+// --- the sun ---
+
+void qvi_wall::compute_solar_income(int direct_rays, int montecarlo_factor, int ray_depth,
+                                    float direct_error, float diffuse_error) {
+  // The outside face first: another order than that of the loss surface, deliberately.
+  qv_polygon surface;
+  for (const qvi_polygon* candidate : {get_pierced_face_1(), get_face_1(), get_pierced_face_0(),
+                                       get_face_0(), get_pierced_face(), get_face()}) {
+    if (candidate == nullptr) continue;
+    candidate->fill_polygon(&surface);
+    break;
+  }
+  compute_solar_income_of(get_scene(), get_normal(), surface,
+                          {direct_rays, montecarlo_factor, ray_depth, direct_error, diffuse_error});
+}
+
 }  // namespace qv

@@ -89,6 +89,13 @@ class qvi_wall : public qv_item, public qv_solar_income {
   /// face or its shader, and where nothing is absorbed.
   float get_solar_factor() const;
 
+  /// Computes the sun that its outside face receives on the side of its normal; results in the
+  /// getters of `qv_solar_income`. Rays, depth and error bounds as `qv_receiver` has them;
+  /// Monte-Carlo rays are `direct_rays` × `montecarlo_factor`. Without a sun in the scene nothing
+  /// changes. May run for several items at once.
+  void compute_solar_income(int direct_rays, int montecarlo_factor, int ray_depth,
+                            float direct_error, float diffuse_error);
+
   /// Turns the normal of a floor downwards and that of a roof or outside slab upwards, precomputing
   /// first, then `propagate_normal_orientation`.
   void check_normal_orientation();

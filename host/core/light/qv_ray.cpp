@@ -12,6 +12,7 @@ qv_ray::~qv_ray() = default;
 void qv_ray::clear_hit() {
   hit_distance = -1;
   hit_mesh = nullptr;
+  hit_mesh_index = -1;
   hit_triangle = -1;
   hit_normal = qv_3dvector();
 }

@@ -27,6 +27,8 @@ class qv_ray {
   float hit_distance = -1;
   /// The mesh hit, or null.
   qvi_mesh* hit_mesh = nullptr;
+  /// Index of that mesh in the ray tracer's list of meshes, or −1.
+  int hit_mesh_index = -1;
   /// Index of the triangle hit in that mesh, or −1.
   int hit_triangle = -1;
   /// Unit normal of the triangle hit, on its front side (it may point along the ray).

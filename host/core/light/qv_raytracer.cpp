@@ -30,6 +30,11 @@ constexpr std::size_t level_growth = 4;
 /// m; a level whose centre lies nearer than this to the common centre uses that one, so that
 /// coincident faces of different levels are measured with the same rounding.
 constexpr float common_centre_reach = 1000.0f;
+/// m; nothing farther away is in the way of light.
+constexpr float farthest_light = 1e8f;
+/// A ray through the edge between two triangles meets both: passages of one mesh as near to each
+/// other as this (share of the distance, m below 1 m) count once.
+constexpr float same_passage = 1e-5f;
 /// The kernel reads vertices in blocks of four floats: room behind the last one.
 constexpr std::size_t vertex_padding = 4;
 
@@ -121,10 +126,17 @@ struct level {
 
 struct trace_context {
   RTCIntersectContext kernel;
-  const level* current;
-  const std::vector<slot>* slots;
-  const primitive* nearest;
-  float distance;
+  const level* current = nullptr;
+  const std::vector<slot>* slots = nullptr;
+  // Of the nearest hit.
+  const primitive* nearest = nullptr;
+  float distance = 0;
+  // Of a packet: two shares for each mesh, and what is left of the light of each ray.
+  const float* transmission = nullptr;
+  float* light = nullptr;
+  // Which mesh each ray passed last, and where.
+  std::array<int, qv_ray_packet::size> passed_mesh{};
+  std::array<float, qv_ray_packet::size> passed_distance{};
 };
 
 /// Refuses dead triangles, and of two hits at the same distance the one that comes later in the
@@ -148,10 +160,36 @@ void accept_hit(const RTCFilterFunctionNArguments* arguments) {
   context->nearest = hit;
 }
 
+/// Refuses dead triangles, and those that let light through, which take their share of it.
 void accept_occluder(const RTCFilterFunctionNArguments* arguments) {
-  const level& current = *reinterpret_cast<const trace_context*>(arguments->context)->current;
-  if (current.has_dead() && current.primitives[RTCHitN_primID(arguments->hit, 1, 0)].slot < 0)
-    arguments->valid[0] = 0;
+  auto& context = *reinterpret_cast<trace_context*>(arguments->context);
+  const level& current = *context.current;
+  if (!current.has_dead() && context.transmission == nullptr) return;
+  const unsigned int count = arguments->N;
+  for (unsigned int i = 0; i < count; ++i) {
+    if (arguments->valid[i] == 0) continue;
+    const primitive& hit = current.primitives[RTCHitN_primID(arguments->hit, count, i)];
+    if (hit.slot < 0) {
+      arguments->valid[i] = 0;
+    } else if (context.transmission != nullptr) {
+      const int rank = (*context.slots)[static_cast<std::size_t>(hit.slot)].rank;
+      const qv_3dvector towards_light(RTCRayN_dir_x(arguments->ray, count, i),
+                                      RTCRayN_dir_y(arguments->ray, count, i),
+                                      RTCRayN_dir_z(arguments->ray, count, i));
+      const int struck = towards_light.dot(hit.normal) > 0 ? 0 : 1;
+      const float share = context.transmission[2 * rank + struck];
+      if (!(share > 0)) continue;
+      const unsigned int ray = RTCRayN_id(arguments->ray, count, i);
+      const float distance = RTCRayN_tfar(arguments->ray, count, i);
+      const bool again =
+          context.passed_mesh[ray] == rank && std::fabs(distance - context.passed_distance[ray]) <=
+                                                  same_passage * std::max(1.0f, distance);
+      if (!again) context.light[ray] *= share;
+      context.passed_mesh[ray] = rank;
+      context.passed_distance[ray] = distance;
+      arguments->valid[i] = 0;
+    }
+  }
 }
 
 void level::append(qvi_mesh* mesh, int slot_index, std::vector<triangle_corners>& corners) {
@@ -406,7 +444,6 @@ bool qv_raytracer::raytrace(qv_ray& ray) const {
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
   context.slots = &kernel_->slots;
-  context.nearest = nullptr;
   for (const level& l : kernel_->levels) {
     context.current = &l;
     place(query.ray, ray.origin, l.centre);
@@ -418,6 +455,7 @@ bool qv_raytracer::raytrace(qv_ray& ray) const {
   if (nearest == nullptr) return false;
   ray.hit_distance = query.ray.tfar;
   ray.hit_mesh = nearest->mesh;
+  ray.hit_mesh_index = kernel_->at(nearest->slot).rank;
   ray.hit_triangle = nearest->triangle;
   ray.hit_normal = nearest->normal;
   return true;
@@ -435,6 +473,65 @@ bool qv_raytracer::is_occluded(const qv_ray& ray) const {
     if (query.tfar < 0) return true;
   }
   return false;
+}
+
+void qv_raytracer::find_light(qv_ray_packet& packet, const float* transmission,
+                              bool parallel) const {
+  constexpr int size = qv_ray_packet::size;
+  trace_context context;
+  rtcInitIntersectContext(&context.kernel);
+  if (parallel) context.kernel.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
+  context.slots = &kernel_->slots;
+  context.transmission = transmission;
+  context.light = packet.light;
+  context.passed_mesh.fill(-1);
+
+  alignas(32) int valid[size];
+  for (int i = 0; i < size; ++i) {
+    valid[i] = i < packet.count ? -1 : 0;
+    packet.light[i] = i < packet.count ? 1.0f : 0.0f;
+  }
+  RTCRay8 query;
+  for (const level& l : kernel_->levels) {
+    context.current = &l;
+    for (int i = 0; i < size; ++i) {
+      const bool asked = valid[i] != 0;
+      query.org_x[i] = asked ? packet.origin_x[i] - l.centre.x : 0;
+      query.org_y[i] = asked ? packet.origin_y[i] - l.centre.y : 0;
+      query.org_z[i] = asked ? packet.origin_z[i] - l.centre.z : 0;
+      query.dir_x[i] = asked ? packet.direction_x[i] : 0;
+      query.dir_y[i] = asked ? packet.direction_y[i] : 0;
+      query.dir_z[i] = asked ? packet.direction_z[i] : 1;
+      query.tnear[i] = 0;
+      query.tfar[i] = farthest_light;
+      query.time[i] = 0;
+      query.mask[i] = ~0u;
+      query.id[i] = static_cast<unsigned int>(i);
+      query.flags[i] = 0;
+    }
+    rtcOccluded8(valid, l.scene, &context.kernel, &query);
+    for (int i = 0; i < size; ++i) {
+      if (valid[i] == 0 || !(query.tfar[i] < 0)) continue;
+      packet.light[i] = 0;
+      valid[i] = 0;
+    }
+  }
+}
+
+bool qv_raytracer::is_all_behind(const qv_3dvector& point, const qv_3dvector& normal,
+                                 float tolerance) const {
+  for (const level& l : kernel_->levels) {
+    const float limit = (point - l.centre).dot(normal) + tolerance;
+    for (std::size_t i = 0; i < l.primitives.size(); ++i) {
+      const float* corners = &l.vertices[i * 9];
+      const float x = normal.x, y = normal.y, z = normal.z;
+      const float a = corners[0] * x + corners[1] * y + corners[2] * z;
+      const float b = corners[3] * x + corners[4] * y + corners[5] * z;
+      const float c = corners[6] * x + corners[7] * y + corners[8] * z;
+      if (std::max({a, b, c}) > limit && l.primitives[i].slot >= 0) return false;
+    }
+  }
+  return true;
 }
 
 int qv_raytracer::get_triangle_count() const {

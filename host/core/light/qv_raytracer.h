@@ -2,12 +2,35 @@
 
 #include <memory>
 
+#include "utilities/qv_3dvector.h"
 #include "utilities/qv_list.h"
 
 namespace qv {
 
 class qv_ray;
 class qvi_mesh;
+
+/// Rays that are asked together whether light comes along them: fastest where they are parallel, or
+/// start at one point. Each component is a list over the rays; `count` of them are looked at.
+struct qv_ray_packet {
+  static constexpr int size = 8;
+
+  float origin_x[size], origin_y[size], origin_z[size];
+  /// Unit directions, towards where the light would come from.
+  float direction_x[size], direction_y[size], direction_z[size];
+  /// Result: the share of the light that comes through, 1 where nothing is in the way.
+  float light[size];
+  int count = 0;
+
+  void set_ray(int index, const qv_3dvector& origin, const qv_3dvector& direction) {
+    origin_x[index] = origin.x;
+    origin_y[index] = origin.y;
+    origin_z[index] = origin.z;
+    direction_x[index] = direction.x;
+    direction_y[index] = direction.y;
+    direction_z[index] = direction.z;
+  }
+};
 
 /// Finds what rays hit among a set of meshes.
 ///
@@ -45,6 +68,17 @@ class qv_raytracer {
   bool raytrace(qv_ray& ray) const;
   /// True when anything lies between the ray's distances; the ray is not written.
   bool is_occluded(const qv_ray& ray) const;
+
+  /// Finds the packet's `light`. `transmission` holds two shares for each mesh of `get_meshes()`:
+  /// what of the light that strikes its front comes straight through, and of that which strikes its
+  /// back; light passes any number of meshes. Null makes every surface opaque. `parallel` promises
+  /// nearly equal directions and may speed things up; it changes no result. After `update` any
+  /// number of threads may ask.
+  void find_light(qv_ray_packet& packet, const float* transmission, bool parallel) const;
+
+  /// True when no triangle reaches farther than `tolerance` metres to the side of the plane through
+  /// `point` to which `normal` points. Looks at vertices until one is found there.
+  bool is_all_behind(const qv_3dvector& point, const qv_3dvector& normal, float tolerance) const;
 
   /// Number of triangles in the structure after the last update.
   int get_triangle_count() const;

@@ -1,0 +1,250 @@
+#include "core/light/beam.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+#include "core/light/mirrors.h"
+#include "core/light/qv_raytracer.h"
+#include "core/light/sample_sequence.h"
+
+namespace qv::light {
+
+namespace {
+
+constexpr int most_step_samples = 1 << 22;
+/// Fewest samples of a step on each way over mirrors, a pair in each of two strata.
+constexpr int least_way_samples = 4;
+/// Of more ways than this as many are chosen anew for each step.
+constexpr int most_step_ways = 32;
+
+/// Random numbers of one step.
+class step_random {
+ public:
+  step_random(std::uint32_t seed, int step, int block)
+      : state_((std::uint64_t{combine_seeds(seed, static_cast<std::uint32_t>(step))} << 32) |
+               combine_seeds(seed + 1, static_cast<std::uint32_t>(block))) {}
+
+  /// SplitMix64: G. L. Steele, D. Lea, C. H. Flood, Fast splittable pseudorandom number generators,
+  /// 2014.
+  std::uint64_t dice() {
+    state_ += 0x9e3779b97f4a7c15u;
+    std::uint64_t z = state_;
+    z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9u;
+    z = (z ^ (z >> 27)) * 0x94d049bb133111ebu;
+    return z ^ (z >> 31);
+  }
+
+ private:
+  std::uint64_t state_;
+};
+
+/// Two points in each of `count` / 2 strata of a surface.
+class paired_points {
+ public:
+  paired_points(const surface_sampler& surface, int count, step_random random)
+      : surface_(surface),
+        stratum_(2.0 / count),
+        fineness_(std::bit_width(static_cast<unsigned int>(count / 2 - 1))),
+        random_(random),
+        shift_(to_unit(static_cast<std::uint32_t>(random_.dice() >> 32))) {}
+
+  qv_3dvector get_next() {
+    const std::uint64_t bits = random_.dice();
+    const double within = to_unit(static_cast<std::uint32_t>(bits >> 32));
+    const double position = shift_ + (index_++ / 2 + within) * stratum_;
+    return surface_.get_point(position < 1 ? position : position - 1,
+                              to_unit(static_cast<std::uint32_t>(bits)), fineness_);
+  }
+
+ private:
+  const surface_sampler& surface_;
+  double stratum_;
+  int fineness_;
+  step_random random_;
+  // Where the first stratum begins: straight shadows and strata would else often have edges in
+  // common, and errors would be none or rare and large.
+  double shift_;
+  int index_ = 0;
+};
+
+/// Mean of pairs of samples, each pair from a stratum of its own, and the square of its standard
+/// error.
+struct pair_sums {
+  double sum = 0;
+  double squares = 0;
+  int count = 0;
+
+  void add(double first, double second) {
+    sum += first + second;
+    squares += (first - second) * (first - second);
+    count += 2;
+  }
+  void add(const pair_sums& others) {
+    sum += others.sum;
+    squares += others.squares;
+    count += others.count;
+  }
+  double get_mean() const { return sum / count; }
+  // A pair's mean has the variance (a − b)² / 4, and the mean of n / 2 pairs that of their sum
+  // over (n / 2)².
+  double get_variance() const { return squares / (static_cast<double>(count) * count); }
+  // As if half a pair more had differed: where few do, their number is itself uncertain (the rule
+  // of Jeffreys for the rate of rare events).
+  double get_cautious_variance() const {
+    return (squares + 0.5) / (static_cast<double>(count) * count);
+  }
+};
+
+int get_step_samples(double rays, std::size_t steps, int least) {
+  const double share = std::clamp(rays / static_cast<double>(std::max<std::size_t>(steps, 1)),
+                                  static_cast<double>(least), double{most_step_samples});
+  constexpr int packet = qv_ray_packet::size;
+  return least < packet ? static_cast<int>(share) / 2 * 2
+                        : (static_cast<int>(std::ceil(share)) + packet - 1) / packet * packet;
+}
+
+pair_sums sample_step(const light_scene& scene, const surface_sampler& surface,
+                      const lit_step& step, int count, int block, std::uint32_t seed) {
+  constexpr int size = qv_ray_packet::size;
+  paired_points points(surface, count, step_random(seed, step.step, block));
+  pair_sums sums;
+  qv_ray_packet packet;
+  packet.count = size;
+  for (int done = 0; done < count; done += size) {
+    for (int i = 0; i < size; ++i) packet.set_ray(i, points.get_next(), step.direction);
+    scene.tracer->find_light(packet, scene.get_transmission(), true);
+    for (int i = 0; i < size; i += 2) sums.add(packet.light[i], packet.light[i + 1]);
+  }
+  return sums;
+}
+
+double square(double value) {
+  return value * value;
+}
+
+/// Way numbers to be followed for a step, and how many ways each of them stands for.
+class way_choice {
+ public:
+  explicit way_choice(double way_count)
+      : way_count_(way_count), all_(way_count <= most_step_ways) {}
+
+  bool are_all() const { return all_; }
+  int get_count() const { return all_ ? static_cast<int>(way_count_) : most_step_ways; }
+  std::int64_t get_way(int index, step_random& random) const {
+    if (all_) return index;
+    const double chosen = to_unit(static_cast<std::uint32_t>(random.dice() >> 32)) * way_count_;
+    return static_cast<std::int64_t>(chosen);
+  }
+
+ private:
+  double way_count_;
+  bool all_;
+};
+
+pair_sums sample_way(const mirrors& over, const surface_sampler& surface, const qv_3dvector& normal,
+                     const lit_step& step, std::int64_t way, int count, step_random random) {
+  paired_points points(surface, count, random);
+  pair_sums sums;
+  const auto sample = [&] {
+    qv_3dvector seen_at;
+    const float light = over.get_light(points.get_next(), normal, step.direction, way, seen_at);
+    return light > 0 ? light * normal.dot(seen_at) : 0.0f;
+  };
+  for (int i = 0; i < count; i += 2) {
+    const double first = sample();
+    sums.add(first, sample());
+  }
+  return sums;
+}
+
+}  // namespace
+
+step_estimates estimate_beam(const light_scene& scene, const surface_sampler& surface,
+                             const qv_3dvector& normal, const sampling_effort& effort,
+                             bool all_free) {
+  const std::vector<lit_step>& lit = scene.sun.lit;
+  step_estimates found;
+  found.means.assign(lit.size(), 0);
+  found.variances.assign(lit.size(), 0);
+  std::vector<std::size_t> front;
+  for (std::size_t i = 0; i < lit.size(); ++i)
+    if (normal.dot(lit[i].direction) > 0) front.push_back(i);
+  if (effort.rays <= 0) return found;
+
+  const int step_samples = get_step_samples(effort.rays, front.size(), least_step_samples);
+  if (all_free) {
+    for (std::size_t i : front) found.means[i] = normal.dot(lit[i].direction);
+    found.samples = static_cast<double>(step_samples) * static_cast<double>(front.size());
+    return found;
+  }
+
+  // Without an error bound all samples of a step are stratified together.
+  std::vector<pair_sums> sums(front.size());
+  int next = effort.error > 0 ? least_step_samples : step_samples;
+  double weighted_sum = 0;
+  for (int done = 0, block = 0; done < step_samples; ++block) {
+    weighted_sum = 0;
+    found.sum_variance = 0;
+    for (std::size_t k = 0; k < front.size(); ++k) {
+      const lit_step& step = lit[front[k]];
+      sums[k].add(sample_step(scene, surface, step, next, block, effort.seed));
+      const double weight = step.irradiation * normal.dot(step.direction);
+      weighted_sum += weight * sums[k].get_mean();
+      found.sum_variance += square(weight) * sums[k].get_variance();
+    }
+    done += next;
+    if (std::sqrt(found.sum_variance) <= effort.error * weighted_sum) break;
+    next = std::min(done, step_samples - done);
+  }
+
+  for (std::size_t k = 0; k < front.size(); ++k) {
+    const double cosine = normal.dot(lit[front[k]].direction);
+    found.means[front[k]] = cosine * sums[k].get_mean();
+    found.variances[front[k]] = square(cosine) * sums[k].get_cautious_variance();
+    found.samples += sums[k].count;
+  }
+  return found;
+}
+
+step_estimates estimate_mirrored_beam(const light_scene& scene, const surface_sampler& surface,
+                                      const qv_3dvector& normal, const sampling_effort& effort,
+                                      int depth) {
+  const std::vector<lit_step>& lit = scene.sun.lit;
+  step_estimates found;
+  found.means.assign(lit.size(), 0);
+  found.variances.assign(lit.size(), 0);
+  const mirrors over(scene, depth);
+  if (effort.rays <= 0 || over.get_way_count() == 0) return found;
+
+  const way_choice ways(over.get_way_count());
+  const int samples = get_step_samples(effort.rays / 4.0, lit.size(), least_way_samples);
+  for (std::size_t i = 0; i < lit.size(); ++i) {
+    step_random choice(effort.seed, lit[i].step, 0);
+    double sum = 0, squares = 0, variances = 0;
+    for (int k = 0; k < ways.get_count(); ++k) {
+      const std::int64_t way = ways.get_way(k, choice);
+      if (!over.is_possible(normal, lit[i].direction, way)) continue;
+      const pair_sums sampled = sample_way(over, surface, normal, lit[i], way, samples,
+                                           step_random(effort.seed, lit[i].step, k + 1));
+      found.samples += samples;
+      sum += sampled.get_mean();
+      squares += square(sampled.get_mean());
+      variances += sampled.get_variance();
+    }
+    if (!ways.are_all()) {
+      // The mean over chosen ways stands for all of them; the spread between them holds that of
+      // their samples.
+      const double count = ways.get_count();
+      const double mean = sum / count;
+      variances = square(over.get_way_count()) * (squares / count - square(mean)) / (count - 1);
+      sum = over.get_way_count() * mean;
+    }
+    found.means[i] = sum;
+    found.variances[i] = variances;
+    found.sum_variance += square(lit[i].irradiation) * variances;
+  }
+  return found;
+}
+
+}  // namespace qv::light

@@ -1,0 +1,81 @@
+#include "core/light/sample_sequence.h"
+
+namespace qv::light {
+
+namespace {
+
+constexpr int bit_count = 32;
+constexpr int dimension_count = 4;
+
+using direction_table = std::array<std::array<std::uint32_t, bit_count>, dimension_count>;
+
+/// Sobol' direction numbers. A dimension after the first is given by the degree and the inner
+/// coefficients of its primitive polynomial and by its first direction integers.
+constexpr direction_table make_directions() {
+  struct dimension {
+    int degree;
+    std::uint32_t coefficients;
+    std::array<std::uint32_t, 3> first;
+  };
+  constexpr dimension dimensions[dimension_count - 1] = {
+      {1, 0, {1, 0, 0}}, {2, 1, {1, 3, 0}}, {3, 1, {1, 3, 1}}};
+
+  direction_table table{};
+  for (int i = 0; i < bit_count; ++i) table[0][i] = 1u << (bit_count - 1 - i);
+  for (int d = 1; d < dimension_count; ++d) {
+    const dimension& from = dimensions[d - 1];
+    auto& v = table[d];
+    for (int i = 0; i < bit_count; ++i) {
+      if (i < from.degree) {
+        v[i] = from.first[static_cast<std::size_t>(i)] << (bit_count - 1 - i);
+        continue;
+      }
+      v[i] = v[i - from.degree] ^ (v[i - from.degree] >> from.degree);
+      for (int k = 1; k < from.degree; ++k)
+        if (((from.coefficients >> (from.degree - 1 - k)) & 1u) != 0) v[i] ^= v[i - k];
+    }
+  }
+  return table;
+}
+
+constexpr direction_table directions = make_directions();
+
+constexpr std::uint32_t reverse_bits(std::uint32_t x) {
+  x = ((x >> 1) & 0x55555555u) | ((x & 0x55555555u) << 1);
+  x = ((x >> 2) & 0x33333333u) | ((x & 0x33333333u) << 2);
+  x = ((x >> 4) & 0x0f0f0f0fu) | ((x & 0x0f0f0f0fu) << 4);
+  x = ((x >> 8) & 0x00ff00ffu) | ((x & 0x00ff00ffu) << 8);
+  return (x >> 16) | (x << 16);
+}
+
+/// Each bit is turned over or not by a hash of the bits above it.
+constexpr std::uint32_t scramble(std::uint32_t x, std::uint32_t seed) {
+  x = reverse_bits(x);
+  x ^= x * 0x3d20adeau;
+  x += seed;
+  x *= (seed >> 16) | 1u;
+  x ^= x * 0x05526c56u;
+  x ^= x * 0x53a22864u;
+  return reverse_bits(x);
+}
+
+}  // namespace
+
+std::array<float, 4> get_sequence_point(std::uint32_t index, std::uint32_t seed) {
+  std::array<std::uint32_t, dimension_count> bits{};
+  for (int i = 0; index != 0; ++i, index >>= 1) {
+    if ((index & 1u) == 0) continue;
+    for (std::size_t d = 0; d < dimension_count; ++d)
+      bits[d] ^= directions[d][static_cast<std::size_t>(i)];
+  }
+  std::array<float, 4> point{};
+  for (std::uint32_t d = 0; d < dimension_count; ++d)
+    point[d] = to_unit(scramble(bits[d], combine_seeds(seed, d)));
+  return point;
+}
+
+std::array<float, 4> get_shuffled_sequence_point(std::uint32_t index, std::uint32_t seed) {
+  return get_sequence_point(scramble(index, mix_bits(seed)), seed);
+}
+
+}  // namespace qv::light

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <vector>
+
+#include "utilities/qv_3dvector.h"
+
+namespace qv {
+class qv_polygon;
+}
+
+namespace qv::light {
+
+/// Puts the points of a plane region, of any shape and with any holes, in a row that runs through
+/// all of it, so that equal lengths of the row are equal areas and neighbours in the row are
+/// neighbours in the region: stratifying the row stratifies the area.
+///
+/// The row goes through the region's triangles one after the other, and through each as a
+/// space-filling curve does: first through one half of the triangle, then the other, and so on.
+class surface_sampler {
+ public:
+  /// The points lie on `polygon`'s region moved by `lift`.
+  surface_sampler(const qv_polygon& polygon, const qv_3dvector& lift);
+
+  /// m²; 0 when there is nothing to sample.
+  double get_area() const { return area_; }
+
+  /// The corner of the region that lies least far along `direction`.
+  qv_3dvector get_lowest(const qv_3dvector& direction) const;
+
+  /// The point at `position` (0 … 1) of the row, where a stratum is 1 / 2^`fineness` of it; a
+  /// uniform `across` (0 … 1) spreads points over pieces of half that size. Both uniform make the
+  /// points uniform over the area.
+  qv_3dvector get_point(double position, float across, int fineness) const;
+
+ private:
+  struct piece {
+    qv_3dvector apex, from, to;  // the longest side runs from `from` to `to`
+    double begin;                // of its part of the row
+    double share;                // length of its part of the row
+    int coarseness;              // share < 2^−coarseness
+  };
+  std::vector<piece> pieces_;
+  double area_ = 0;
+};
+
+}  // namespace qv::light
