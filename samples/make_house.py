@@ -36,6 +36,9 @@ MATERIALS = {
     "clay": ("Tuiles de terre cuite", 0.02, 1.0, 2000, 800),
     "sarking": ("Volige bois", 0.018, 0.13, 500, 1600),
     "bitumen": ("Feuille bitumineuse", 0.005, 0.23, 1100, 1000),
+    "oak": ("Chêne 45 mm", 0.045, 0.18, 700, 1600),
+    "foam": ("Mousse de polyuréthane 40 mm", 0.04, 0.028, 35, 1400),
+    "honeycomb": ("Âme alvéolaire 40 mm", 0.04, ("R", 0.25), 250, 1600),
 }
 
 # --- constructions, outside first (floors: bottom first) -------------------------------------------
@@ -51,6 +54,25 @@ CONSTRUCTIONS = {
     "pitched-roof": ("Toiture en tuiles", ["clay", "sarking"]),
     "gable": ("Pignon", ["render", "block"]),
     "flat-roof": ("Toiture-terrasse", ["bitumen", "concrete-15"]),
+    "front-door": ("Porte d'entrée", ["oak"]),
+    "garage-door": ("Porte de garage", ["foam"]),
+    "inner-door": ("Porte intérieure", ["honeycomb"]),
+}
+
+# --- windows --------------------------------------------------------------------------------------
+# A double glazing by its layers, outside first: 4 mm with a low-emissivity coating towards the gap,
+# 16 mm of argon, 4 mm of clear glass. Conductivity and emissivity of glass after EN 673; the optical
+# figures are of the size that makers state.
+COATED = {"Solar": (0.60, 0.25, 0.30), "Visible": (0.80, 0.06, 0.05), "IR": (0.837, 0.05)}
+CLEAR = {"Solar": (0.85, 0.08, 0.08), "Visible": (0.90, 0.08, 0.08), "IR": (0.837, 0.837)}
+LAYERS = {"double": [("Glaze", "Verre à couche 4 mm", 0.004, COATED),
+                     ("Gap", "Argon 16 mm", 0.016, "Argon"),
+                     ("Glaze", "Verre clair 4 mm", 0.004, CLEAR)]}
+# id: name, and what a data sheet states: U W/(m2.K), solar factor, light; None for what it does not.
+WINDOW_TYPES = {
+    "double": ("Double vitrage 4/16/4", (None, None, None)),
+    "patio": ("Baie coulissante", (1.4, 0.52, 0.68)),
+    "roof-window": ("Fenêtre de toit", (1.3, 0.45, None)),
 }
 
 # --- spaces: id, name, storey, zone, area and volume as a draughtsman states them -------------------
@@ -75,6 +97,8 @@ ZONES = [("jour", "Zone jour", 19.0), ("nuit", "Zone nuit", 17.0), ("annexes", "
 SOUTH, NORTH, EAST, WEST = (0, -1, 0), (0, 1, 0), (1, 0, 0), (-1, 0, 0)
 UP, DOWN = (0, 0, 1), (0, 0, -1)
 
+# Openings are (type, corners, what fills them: ("windowTypeIdRef" or "constructionIdRef", id) or
+# None).
 surfaces = []  # (id, name, type, construction, spaces, points, openings)
 
 
@@ -90,7 +114,8 @@ def wound(points, outward):
 
 
 def add(name, kind, construction, spaces, points, outward, openings=()):
-    openings = [(opening_kind, wound(outline, outward)) for opening_kind, outline in openings]
+    openings = [(opening_kind, wound(outline, outward), filling)
+                for opening_kind, outline, filling in openings]
     surfaces.append((f"su-{len(surfaces) + 1:02d}", name, kind, construction, spaces,
                      wound(points, outward), openings))
 
@@ -113,9 +138,17 @@ def facade(space, points, outward, construction="facade", openings=()):
         openings)
 
 
-def partition(first, second, points, outward, construction="partition"):
+def partition(first, second, points, outward, construction="partition", openings=()):
     add(f"{NAMES[first]} / {NAMES[second]}", "InteriorWall", construction, [first, second], points,
-        outward)
+        outward, openings)
+
+
+def window(outline):
+    return ("OperableWindow", outline, ("windowTypeIdRef", "double"))
+
+
+def door(outline, construction):
+    return ("NonSlidingDoor", outline, ("constructionIdRef", construction))
 
 
 def floor_between(below, above, z, box, construction):
@@ -132,20 +165,24 @@ add("Bureau, dallage", "SlabOnGrade", "slab", ["bureau"], level(GROUND, 7, 10, 4
 add("Garage, dallage", "SlabOnGrade", "garage-slab", ["garage"], level(GROUND, 10, 15, 0, 6), DOWN)
 
 facade("salon", along_x(0, 0, 6, GROUND, FIRST), SOUTH,
-       openings=[("SlidingDoor", along_x(0, 1, 4, GROUND, 2.2))])
+       openings=[("SlidingDoor", along_x(0, 1, 4, GROUND, 2.2), ("windowTypeIdRef", "patio"))])
 facade("salon", along_y(0, 0, 8, GROUND, FIRST), WEST)
 facade("salon", along_x(8, 0, 4, GROUND, FIRST), NORTH)
-facade("cuisine", along_x(8, 4, 7, GROUND, FIRST), NORTH)
-facade("bureau", along_x(8, 7, 10, GROUND, FIRST), NORTH)
+facade("cuisine", along_x(8, 4, 7, GROUND, FIRST), NORTH,
+       openings=[window(along_x(8, 5, 6.2, 1.0, 2.1))])
+facade("bureau", along_x(8, 7, 10, GROUND, FIRST), NORTH,
+       openings=[window(along_x(8, 8, 9.5, 0.9, 2.1))])
 facade("hall", along_x(0, 6, 10, GROUND, FIRST), SOUTH,
-       openings=[("NonSlidingDoor", along_x(0, 7, 8, GROUND, 2.1))])
+       openings=[door(along_x(0, 7, 8, GROUND, 2.1), "front-door")])
 # Above the roof of the garage, and beside it.
 facade("hall", along_y(10, 0, 4, GARAGE_TOP, FIRST), EAST)
 facade("bureau", [(10, 4, GARAGE_TOP), (10, 6, GARAGE_TOP), (10, 6, GROUND), (10, 8, GROUND),
                   (10, 8, FIRST), (10, 4, FIRST)], EAST)
 
-partition("salon", "hall", along_y(6, 0, 4, GROUND, FIRST), EAST)
-partition("salon", "cuisine", along_y(4, 4, 8, GROUND, FIRST), EAST)
+partition("salon", "hall", along_y(6, 0, 4, GROUND, FIRST), EAST,
+          openings=[door(along_y(6, 1, 1.9, GROUND, 2.1), "inner-door")])
+partition("salon", "cuisine", along_y(4, 4, 8, GROUND, FIRST), EAST,
+          openings=[("Air", along_y(4, 5, 6, GROUND, 2.1), None)])
 partition("salon", "cuisine", along_x(4, 4, 6, GROUND, FIRST), NORTH)
 partition("hall", "cuisine", along_x(4, 6, 7, GROUND, FIRST), NORTH)
 partition("hall", "bureau", along_x(4, 7, 10, GROUND, FIRST), NORTH)
@@ -154,7 +191,7 @@ partition("hall", "garage", along_y(10, 0, 4, GROUND, GARAGE_TOP), EAST, "betwee
 partition("bureau", "garage", along_y(10, 4, 6, GROUND, GARAGE_TOP), EAST, "between")
 
 facade("garage", along_x(0, 10, 15, GROUND, GARAGE_TOP), SOUTH, "garage-wall",
-       [("NonSlidingDoor", along_x(0, 11, 14, GROUND, 2.2))])
+       [door(along_x(0, 11, 14, GROUND, 2.2), "garage-door")])
 facade("garage", along_y(15, 0, 6, GROUND, GARAGE_TOP), EAST, "garage-wall")
 facade("garage", along_x(6, 10, 15, GROUND, GARAGE_TOP), NORTH, "garage-wall")
 add("Garage, toiture-terrasse", "Roof", "flat-roof", ["garage"], level(GARAGE_TOP, 10, 15, 0, 6), UP)
@@ -169,15 +206,17 @@ floor_between("bureau", "palier", FIRST, (7, 10, 4, 8), "floor")
 
 # --- first floor -----------------------------------------------------------------------------------
 facade("chambre-1", along_x(0, 0, 5, FIRST, ATTIC), SOUTH,
-       openings=[("OperableWindow", along_x(0, 2, 3.4, 3.6, 4.8))])
+       openings=[window(along_x(0, 2, 3.4, 3.6, 4.8))])
 facade("chambre-2", along_x(0, 5, 10, FIRST, ATTIC), SOUTH,
-       openings=[("OperableWindow", along_x(0, 7, 8.4, 3.6, 4.8))])
+       openings=[window(along_x(0, 7, 8.4, 3.6, 4.8))])
 facade("chambre-2", along_y(10, 0, 4, FIRST, ATTIC), EAST)
 facade("palier", along_y(10, 4, 8, FIRST, ATTIC), EAST)
 facade("palier", along_x(8, 7, 10, FIRST, ATTIC), NORTH)
-facade("bains", along_x(8, 4, 7, FIRST, ATTIC), NORTH)
+facade("bains", along_x(8, 4, 7, FIRST, ATTIC), NORTH,
+       openings=[window(along_x(8, 5, 5.6, 3.9, 4.7))])
 facade("chambre-3", along_x(8, 0, 4, FIRST, ATTIC), NORTH)
-facade("chambre-3", along_y(0, 4, 8, FIRST, ATTIC), WEST)
+facade("chambre-3", along_y(0, 4, 8, FIRST, ATTIC), WEST,
+       openings=[window(along_y(0, 5.5, 6.9, 3.6, 4.8))])
 facade("chambre-1", along_y(0, 0, 4, FIRST, ATTIC), WEST)
 partition("chambre-1", "chambre-2", along_y(5, 0, 4, FIRST, ATTIC), EAST)
 partition("chambre-1", "chambre-3", along_x(4, 0, 4, FIRST, ATTIC), NORTH)
@@ -199,7 +238,9 @@ for x, side in ((0, WEST), (10, EAST)):
     facade("combles", [(x, 0, ATTIC), (x, 0, EAVES), (x, 4, RIDGE), (x, 8, EAVES), (x, 8, ATTIC)],
            side, "gable")
 add("Combles, toiture sud", "Roof", "pitched-roof", ["combles"],
-    [(0, 0, EAVES), (10, 0, EAVES), (10, 4, RIDGE), (0, 4, RIDGE)], (0, -3, 4))
+    [(0, 0, EAVES), (10, 0, EAVES), (10, 4, RIDGE), (0, 4, RIDGE)], (0, -3, 4),
+    [("OperableSkylight", [(3, 1, 6.55), (3.8, 1, 6.55), (3.8, 1.8, 7.15), (3, 1.8, 7.15)],
+      ("windowTypeIdRef", "roof-window"))])
 add("Combles, toiture nord", "Roof", "pitched-roof", ["combles"],
     [(0, 8, EAVES), (10, 8, EAVES), (10, 4, RIDGE), (0, 4, RIDGE)], (0, 3, 4))
 
@@ -225,8 +266,10 @@ def surface(identity, name, kind, construction, spaces, points, openings):
              f"      <Name>{escape(name)}</Name>"]
     lines += [f'      <AdjacentSpaceId spaceIdRef="{space}"/>' for space in spaces]
     lines += polygon(points, "      ")
-    for rank, (opening_kind, outline) in enumerate(openings, 1):
-        lines += [f'      <Opening id="{identity}-op-{rank}" openingType="{opening_kind}">',
+    for rank, (opening_kind, outline, filling) in enumerate(openings, 1):
+        attribute = f' {filling[0]}="{filling[1]}"' if filling else ""
+        lines += [f'      <Opening id="{identity}-op-{rank}" openingType="{opening_kind}"'
+                  f"{attribute}>",
                   *polygon(outline, "        "), "      </Opening>"]
     return lines + ["    </Surface>"]
 
@@ -240,6 +283,38 @@ def material(identity, name, thickness, thermal, density, heat):
         lines.append(f'    <Conductivity unit="WPerMeterK">{number(thermal)}</Conductivity>')
     return lines + [f'    <Density unit="KgPerCubicM">{density}</Density>',
                     f'    <SpecificHeat unit="JPerKgK">{heat}</SpecificHeat>', "  </Material>"]
+
+
+def glazing_layer(identity, element, name, thickness, content):
+    attribute = "" if element == "Glaze" else f' gas="{content}"'
+    lines = [f'    <{element} id="{identity}"{attribute}>', f"      <Name>{escape(name)}</Name>",
+             f'      <Thickness unit="Meters">{number(thickness)}</Thickness>']
+    if element == "Glaze":
+        lines.append('      <Conductivity unit="WPerMeterK">1</Conductivity>')
+        for kind in ("Solar", "Visible"):
+            values = zip(("Transmittance", "Reflectance", "Reflectance"), ("", "Ext", "Int"),
+                         content[kind])
+            lines += [f'      <{what} type="{side}{kind}" unit="Fraction">{number(value)}</{what}>'
+                      for what, side, value in values]
+        lines += [f'      <Emittance type="{side}IR" unit="Fraction">{number(value)}</Emittance>'
+                  for side, value in zip(("Ext", "Int"), content["IR"])]
+    return lines + [f"    </{element}>"]
+
+
+def window_type(identity, name, figures):
+    lines = [f'  <WindowType id="{identity}">', f"    <Name>{escape(name)}</Name>"]
+    u, solar, light = figures
+    if u is not None:
+        lines.append(f'    <U-value unit="WPerSquareMeterK">{number(u)}</U-value>')
+    if solar is not None:
+        lines.append(f'    <SolarHeatGainCoeff unit="Fraction">{number(solar)}'
+                     "</SolarHeatGainCoeff>")
+    if light is not None:
+        lines.append('    <Transmittance type="Visible" unit="Fraction">'
+                     f"{number(light)}</Transmittance>")
+    for rank, layer in enumerate(LAYERS.get(identity, ()), 1):
+        lines += glazing_layer(f"{identity}-{rank}", *layer)
+    return lines + ["  </WindowType>"]
 
 
 def document():
@@ -286,6 +361,8 @@ def document():
         yield "  </Layer>"
     for identity, content in MATERIALS.items():
         yield from material(identity, *content)
+    for identity, content in WINDOW_TYPES.items():
+        yield from window_type(identity, *content)
     for identity, name, temperature in ZONES:
         yield f'  <Zone id="zone-{identity}">'
         yield f"    <Name>{escape(name)}</Name>"

@@ -32,10 +32,31 @@ int run_study(const study_arguments& arguments) {
   folder.stage("model.json", study.model_json);
   folder.stage("spaces.csv", qv_spaces_csv(study));
   folder.stage("walls.csv", qv_walls_csv(study));
+  folder.stage("openings.csv", qv_openings_csv(study));
   folder.commit();
   qv_print(qv_study_summary(study) + "\nWritten to " + arguments.folder +
-           ": study.json, model.json, spaces.csv, walls.csv\n");
+           ": study.json, model.json, spaces.csv, walls.csv, openings.csv\n");
   return qv_exit_success;
+}
+
+// --glazing-ratio, and one option for each orientation.
+void add_glazing_ratios(CLI::App& command, qv_glazing_ratios& ratios) {
+  const auto add = [&](const std::string& name, std::optional<double>& ratio,
+                       const std::string& words) {
+    command.add_option(name, ratio, words)->option_text("R")->check([](const std::string& text) {
+      constexpr double largest = 0.99;
+      double value = 0;
+      const bool fits = CLI::detail::lexical_cast(text, value) && value >= 0 && value <= largest;
+      return fits ? std::string() : "\"" + text + "\" is no share between 0 and 0.99";
+    });
+  };
+  add("--glazing-ratio", ratios.all,
+      "Give outer walls without openings one that takes this\nshare of the wall, 0 to 0.99");
+  for (const qv_orientation orientation : qv_orientations) {
+    const std::string name = qv_orientation_name(orientation);
+    add("--glazing-ratio-" + name, ratios.by_orientation[static_cast<std::size_t>(orientation)],
+        "The same for walls that look " + name + ", in its place");
+  }
 }
 
 }  // namespace
@@ -55,12 +76,14 @@ void qv_add_study_command(CLI::App& program, qv_command_action& action) {
                     "also when the file has buildings of its own");
   command->add_flag("--rename-spaces", arguments->study.rename_spaces,
                     "Name the spaces by building and rank where they are grouped");
+  add_glazing_ratios(*command, arguments->study.glazing_ratios);
   command->footer(
-      "Writes study.json, model.json, spaces.csv and walls.csv into DIR, all or none, "
-      "and\nprints a summary.\n\n"
+      "Writes study.json, model.json, spaces.csv, walls.csv and openings.csv into DIR, all or\n"
+      "none, and prints a summary.\n\n"
       "Examples:\n"
       "  qv study house.xml --out results\n"
-      "  qv study campus.xml --out results --regroup --rename-spaces");
+      "  qv study campus.xml --out results --regroup --rename-spaces\n"
+      "  qv study block.xml --out results --glazing-ratio 0.25 --glazing-ratio-south 0.4");
   command->callback([&action, arguments] {
     if (arguments->study.model.empty()) throw CLI::ValidationError("MODEL is an empty name");
     if (arguments->folder.empty()) throw CLI::ValidationError("--out is an empty name");

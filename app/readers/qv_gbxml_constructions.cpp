@@ -314,6 +314,18 @@ void qv_gbxml_constructions::make_composition(qv_item* parent, qv_unique_ids& id
   c.items[reversed ? 1 : 0] = item;
 }
 
+std::optional<qv_gbxml_constructions::panel> qv_gbxml_constructions::get_panel(int number) const {
+  const construction& c = constructions_[static_cast<std::size_t>(number)];
+  panel whole;
+  whole.name = c.name;
+  for (const int m : c.materials) {
+    whole.thickness += materials_[static_cast<std::size_t>(m)].thickness.value_or(0);
+    whole.resistance += materials_[static_cast<std::size_t>(m)].resistance.value_or(0);
+  }
+  if (whole.resistance <= 0) return std::nullopt;
+  return whole;
+}
+
 qvi_composition* qv_gbxml_constructions::get_composition(int number, bool reversed) const {
   if (number < 0) return nullptr;
   const construction* c = &constructions_[static_cast<std::size_t>(number)];

@@ -41,6 +41,17 @@ class qv_gbxml_constructions {
 
   /// Makes the items as children of `parent` and completes the ledger.
   void make_items(qv_item* parent, qv_unique_ids& ids);
+  /// A construction as one panel.
+  struct panel {
+    std::string name;
+    double thickness = 0;   // m, of the layers that state one; 0 when none does
+    double resistance = 0;  // m²·K/W, of the layers whose resistance is known
+  };
+  /// Nothing when no layer's resistance is known.
+  std::optional<panel> get_panel(int number) const;
+  const std::string& get_name(int number) const {
+    return constructions_[static_cast<std::size_t>(number)].name;
+  }
   /// The composition of a construction; null for number −1.
   qvi_composition* get_composition(int number, bool reversed) const;
 

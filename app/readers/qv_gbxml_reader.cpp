@@ -7,9 +7,11 @@
 #include "app/readers/qv_file.h"
 #include "app/readers/qv_gbxml_constructions.h"
 #include "app/readers/qv_gbxml_context.h"
+#include "app/readers/qv_gbxml_openings.h"
 #include "app/readers/qv_gbxml_site.h"
 #include "app/readers/qv_gbxml_surfaces.h"
 #include "app/readers/qv_gbxml_walls.h"
+#include "app/readers/qv_gbxml_windows.h"
 #include "app/readers/qv_unique_ids.h"
 #include "app/readers/qv_xml_document.h"
 #include "bim/project/qvi_bim_root.h"
@@ -25,14 +27,6 @@ std::string read_program(qv::qv_xml_element root) {
   return text + std::string(version);
 }
 
-void note_window_types(qv::qv_gbxml_context& context, qv::qv_xml_element root) {
-  for (const qv::qv_xml_element child : root)
-    if (child.is("WindowType"))
-      context.add_entry(qv::qv_import_ledger::kind::window_type, child,
-                        qv::qv_import_ledger::outcome::not_read,
-                        "window types are read by a later version");
-}
-
 void build_model(qv::qv_gbxml_context& context) {
   const qv::qv_xml_element root = context.get_document().get_root();
   if (!root.is("gbXML"))
@@ -44,7 +38,8 @@ void build_model(qv::qv_gbxml_context& context) {
 
   qv::qv_gbxml_constructions constructions(context);
   constructions.read(root);
-  note_window_types(context, root);
+  qv::qv_gbxml_windows windows(context, constructions);
+  windows.read(root);
   qv::qv_gbxml_site site(context);
   site.read(root);
   qv::qv_gbxml_surfaces surfaces(context, site, constructions);
@@ -55,6 +50,8 @@ void build_model(qv::qv_gbxml_context& context) {
   walls.turn_outwards();
   walls.choose_types();
   walls.measure_spaces();
+  qv::qv_gbxml_openings openings(context, surfaces, windows);
+  openings.read();
 
   static const bool loaded = (qv_load_bim_items(), true);
   static_cast<void>(loaded);
@@ -65,7 +62,9 @@ void build_model(qv::qv_gbxml_context& context) {
   qv::qv_unique_ids ids;
   constructions.make_items(model.root, ids);
   site.make_items(model.root, ids);
+  windows.make_items(model.root, ids);
   walls.make_items(ids);
+  openings.make_items(ids);
   // As a whole, which the scene indexes in one go.
   model.scene->add_child(model.root, -1);
   context.finish();

@@ -13,6 +13,7 @@ namespace qv {
 
 class qvi_bim_root;
 class qvi_space;
+class qvi_wall;
 
 /// Units that the file states at its root, as it writes them; empty when it states none.
 struct qv_source_units {
@@ -82,6 +83,8 @@ struct qv_source_space {
 ///
 /// Every item bears the id of its source element as unique id and, where its class has them, among
 /// "source_ids". Walls made from surfaces of no space cast shadows and take no part in measuring.
+/// Openings stand beside their walls, after all of these; a wall with openings keeps its whole
+/// face, hidden, and shows the pierced one.
 struct qv_gbxml_model {
   // Declared in this order so that the scene outlives what points into it.
   std::unique_ptr<qv_scene> scene;
@@ -94,6 +97,8 @@ struct qv_gbxml_model {
   std::vector<qv_source_space> spaces;
   std::vector<qv_source_zone> zones;
   std::vector<qv_storey_level> storeys;
+  /// Those made from surfaces that the file says to stand in the ground.
+  std::vector<qvi_wall*> underground_walls;
   /// Number of Building elements: with none, grouping spaces into buildings is the caller's.
   int building_count = 0;
   /// Metres that were taken off every coordinate because the model lies too far from the origin for

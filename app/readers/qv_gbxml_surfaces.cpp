@@ -114,7 +114,6 @@ void qv_gbxml_surfaces::read_surface(const qv_gbxml_site::surface_place& place) 
     ledger.amend(surface.entry, outcome::repaired, repair);
   if (surface.polygon.parts.empty())
     ledger.amend(surface.entry, outcome::dropped, surface.polygon.fault);
-  read_openings(surface);
   surfaces_.push_back(std::move(surface));
 }
 
@@ -167,17 +166,6 @@ void qv_gbxml_surfaces::read_construction(qv_gbxml_surface& surface) {
   if (surface.construction < 0)
     context_.get_ledger().amend(surface.entry, outcome::repaired,
                                 "Construction " + quoted(reference) + " is not in the file");
-}
-
-void qv_gbxml_surfaces::read_openings(const qv_gbxml_surface& surface) {
-  for (const qv_xml_element child : surface.element) {
-    if (!child.is("Opening")) continue;
-    const qv_read_polygon raw = qv_read_surface_polygon(context_, child);
-    const double area = raw.fault.empty() ? qv_vector_area(raw.points).length() : 0;
-    context_.add_entry(kind::opening, child, outcome::not_read,
-                       "openings are read by a later version; the wall stays whole",
-                       std::isfinite(area) ? area : 0);
-  }
 }
 
 void qv_gbxml_surfaces::bring_to_origin() {

@@ -37,6 +37,9 @@ struct qv_gbxml_surface {
   /// Ids of the surfaces merged into this one.
   std::vector<std::string> merged_ids;
 
+  /// One for each part of the polygon, once they have been made.
+  std::vector<qvi_wall*> walls;
+
   int get_space_count() const { return spaces[1] >= 0 ? 2 : spaces[0] >= 0 ? 1 : 0; }
   bool becomes_wall() const { return merged_into < 0 && !polygon.parts.empty(); }
 };
@@ -48,7 +51,7 @@ class qv_gbxml_surfaces {
                     qv_gbxml_constructions& constructions)
       : context_(context), site_(site), constructions_(constructions) {}
 
-  /// Reads every Surface and counts its openings. Ends the reading when there is none.
+  /// Reads every Surface. Ends the reading when there is none.
   void read();
   /// Takes a whole number of metres off the coordinates of a model that lies so far from the origin
   /// that single precision would spoil it.
@@ -65,7 +68,6 @@ class qv_gbxml_surfaces {
   void read_surface(const qv_gbxml_site::surface_place& place);
   void read_adjacency(qv_gbxml_surface& surface);
   void read_construction(qv_gbxml_surface& surface);
-  void read_openings(const qv_gbxml_surface& surface);
   void number_corners();
   bool merge(qv_gbxml_surface& first, int first_number, qv_gbxml_surface& second);
   void check_ids();

@@ -189,13 +189,12 @@ void qv_gbxml_walls::measure_spaces() {
 }
 
 void qv_gbxml_walls::make_items(qv_unique_ids& ids) {
-  for (const qv_gbxml_surface& surface : surfaces_.get_surfaces())
+  for (qv_gbxml_surface& surface : surfaces_.get_surfaces())
     if (surface.becomes_wall())
       for (std::size_t k = 0; k < surface.polygon.parts.size(); ++k) make_wall(surface, k, ids);
 }
 
-void qv_gbxml_walls::make_wall(const qv_gbxml_surface& surface, std::size_t part,
-                               qv_unique_ids& ids) {
+void qv_gbxml_walls::make_wall(qv_gbxml_surface& surface, std::size_t part, qv_unique_ids& ids) {
   const qv_plane_part& plane = surface.polygon.parts[part];
   const bool several = surface.polygon.parts.size() > 1;
   const bool bounds = surface.spaces[0] >= 0;
@@ -239,6 +238,9 @@ void qv_gbxml_walls::make_wall(const qv_gbxml_surface& surface, std::size_t part
   wall->set_face_0(face);
   wall->set_face_1(face);
   site_.get_campus(surface.campus)->add_child(wall, -1);
+  surface.walls.push_back(wall);
+  if (surface.type == qv_surface_type::underground_wall)
+    context_.get_model().underground_walls.push_back(wall);
   context_.get_ledger().add_wall_area(item_area(*face, plane.normal), !bounds);
 }
 

@@ -44,7 +44,7 @@ class qv_gbxml_walls {
   void add_face(int space, int surface, int part, int side);
   void turn(qv_gbxml_surface& surface);
   bool is_composition_reversed(const qv_gbxml_surface& surface, std::size_t part) const;
-  void make_wall(const qv_gbxml_surface& surface, std::size_t part, qv_unique_ids& ids);
+  void make_wall(qv_gbxml_surface& surface, std::size_t part, qv_unique_ids& ids);
 
   qv_gbxml_context& context_;
   qv_gbxml_site& site_;

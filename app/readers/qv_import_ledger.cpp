@@ -65,10 +65,17 @@ void qv_import_ledger::add_wall_area(double area, bool shades_only) {
   if (shades_only) shading_ += area;
 }
 
-double qv_import_ledger::area_balance::get_relative_error() const {
-  const double difference = walls + merged + dropped - source;
+namespace {
+
+double relative_error(double difference, double source) {
   if (difference == 0) return 0;
   return source == 0 ? std::numeric_limits<double>::infinity() : difference / source;
+}
+
+}  // namespace
+
+double qv_import_ledger::area_balance::get_relative_error() const {
+  return relative_error(walls + merged + dropped - source, source);
 }
 
 bool qv_import_ledger::area_balance::is_balanced() const {
@@ -78,6 +85,24 @@ bool qv_import_ledger::area_balance::is_balanced() const {
 qv_import_ledger::area_balance qv_import_ledger::get_balance() const {
   return {get_area(kind::surface), walls_, shading_, get_area(kind::surface, outcome::merged),
           get_area(kind::surface, outcome::dropped)};
+}
+
+double qv_import_ledger::opening_balance::get_relative_error() const {
+  return relative_error(openings + merged + dropped + cut - source, source);
+}
+
+bool qv_import_ledger::opening_balance::is_balanced() const {
+  return std::abs(get_relative_error()) <= largest_opening_error;
+}
+
+qv_import_ledger::opening_balance qv_import_ledger::get_opening_balance() const {
+  opening_balance result = {get_area(kind::opening), openings_,
+                            get_area(kind::opening, outcome::merged),
+                            get_area(kind::opening, outcome::dropped), 0};
+  for (const entry& element : entries_)
+    if (element.what == kind::opening && element.result <= outcome::repaired)
+      result.cut += element.cut;
+  return result;
 }
 
 }  // namespace qv

@@ -55,6 +55,8 @@ class qv_import_ledger {
     double area = 0;
     /// Line in the file, from 1; 0 when not known.
     std::size_t line = 0;
+    /// m²: what was cut off an opening that was taken over.
+    double cut = 0;
   };
 
   /// Adds an entry and returns its position, by which `amend` finds it again.
@@ -66,6 +68,9 @@ class qv_import_ledger {
 
   /// Sets the area of an entry once it is known, m².
   void set_area(std::size_t position, double area) { entries_.at(position).area = area; }
+
+  /// Sets what was cut off an opening, m².
+  void set_cut(std::size_t position, double area) { entries_.at(position).cut = area; }
 
   /// Sets the line of an entry.
   void set_line(std::size_t position, std::size_t line) { entries_.at(position).line = line; }
@@ -84,6 +89,9 @@ class qv_import_ledger {
   /// Counts the area of a wall item made from a source surface, computed from the item's own
   /// polygon; `shades_only` when the wall bounds no space.
   void add_wall_area(double area, bool shades_only);
+
+  /// Counts the area of an opening item, computed from the item's own polygon.
+  void add_opening_area(double area) { openings_ += area; }
 
   /// Where the area of the source surfaces went, m².
   struct area_balance {
@@ -107,10 +115,32 @@ class qv_import_ledger {
 
   area_balance get_balance() const;
 
+  /// Where the area of the source openings went, m².
+  struct opening_balance {
+    /// Of all Opening entries.
+    double source = 0;
+    /// Of the openings made, from their own polygons.
+    double openings = 0;
+    /// Of openings that another opening of the same wall says as well.
+    double merged = 0;
+    double dropped = 0;
+    /// Cut off openings that were taken over.
+    double cut = 0;
+
+    /// (openings + merged + dropped + cut − source) / source; 0 when both sides are 0.
+    double get_relative_error() const;
+    bool is_balanced() const;
+  };
+  /// What single precision may leave of an opening's area, its sides being shorter than a wall's.
+  static constexpr double largest_opening_error = 1e-5;
+
+  opening_balance get_opening_balance() const;
+
  private:
   std::vector<entry> entries_;
   double walls_ = 0;
   double shading_ = 0;
+  double openings_ = 0;
 };
 
 }  // namespace qv

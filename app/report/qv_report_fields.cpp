@@ -36,6 +36,9 @@ constexpr qv_report_field<qv_study_results> totals_fields[] = {
     {"loss_area_m2",
      [](const qv_study_results& study) { return qv_report_value(study.get_loss_area()); }},
     {"walls", [](const qv_study_results& study) { return count_of(study.walls.size()); }},
+    {"openings", [](const qv_study_results& study) { return count_of(study.openings.size()); }},
+    {"loss_opening_area_m2",
+     [](const qv_study_results& study) { return qv_report_value(study.get_loss_opening_area()); }},
 };
 
 constexpr qv_report_field<qv_study_building> building_fields[] = {
@@ -92,10 +95,70 @@ constexpr qv_report_field<qv_study_layer> layer_fields[] = {
     {"resistance", read<&qv_study_layer::resistance>},
 };
 
+constexpr qv_report_field<qv_study_opening> opening_fields[] = {
+    {"id", read<&qv_study_opening::id>},
+    {"name", read<&qv_study_opening::name>},
+    {"wall", read<&qv_study_opening::wall>},
+    {"opening_type", read<&qv_study_opening::opening_type>},
+    {"composition", read<&qv_study_opening::composition>},
+    {"glazing_area_m2", read<&qv_study_opening::glazing_area>},
+    {"opaque_area_m2", read<&qv_study_opening::opaque_area>},
+    {"frame_area_m2", read<&qv_study_opening::frame_area>},
+    {"full_area_m2", read<&qv_study_opening::full_area>},
+    {"u", read<&qv_study_opening::u>},
+    {"solar_factor", read<&qv_study_opening::solar_factor>},
+    {"visible_transmittance", read<&qv_study_opening::visible_transmittance>},
+    {"html", read<&qv_study_opening::html>, false},
+};
+
+constexpr qv_report_field<qv_study_glazing> glazing_fields[] = {
+    {"name", read<&qv_study_glazing::name>},
+    {"u_vertical", read<&qv_study_glazing::u_vertical>},
+    {"u_horizontal", read<&qv_study_glazing::u_horizontal>},
+    {"u_inclined", read<&qv_study_glazing::u_inclined>},
+    {"solar_factor", read<&qv_study_glazing::solar_factor>},
+    {"visible_transmittance", read<&qv_study_glazing::visible_transmittance>},
+    {"thickness_m", read<&qv_study_glazing::thickness>},
+};
+
+constexpr qv_report_field<qv_study_glazing_layer> glazing_layer_fields[] = {
+    {"name", read<&qv_study_glazing_layer::name>},
+    {"kind", read<&qv_study_glazing_layer::kind>},
+    {"thickness_m", read<&qv_study_glazing_layer::thickness>},
+    {"conductivity", read<&qv_study_glazing_layer::conductivity>},
+    {"gas", read<&qv_study_glazing_layer::gas>},
+    {"solar_transmittance", read<&qv_study_glazing_layer::solar_transmittance>},
+    {"solar_reflectance_front", read<&qv_study_glazing_layer::solar_reflectance_front>},
+    {"solar_reflectance_back", read<&qv_study_glazing_layer::solar_reflectance_back>},
+    {"visible_transmittance", read<&qv_study_glazing_layer::visible_transmittance>},
+    {"visible_reflectance_front", read<&qv_study_glazing_layer::visible_reflectance_front>},
+    {"visible_reflectance_back", read<&qv_study_glazing_layer::visible_reflectance_back>},
+    {"emissivity_front", read<&qv_study_glazing_layer::emissivity_front>},
+    {"emissivity_back", read<&qv_study_glazing_layer::emissivity_back>},
+};
+
+constexpr qv_report_field<qv_study_facade> facade_fields[] = {
+    {"orientation", read<&qv_study_facade::orientation>},
+    {"walls", [](const qv_study_facade& facade) { return count_of(facade.walls); }},
+    {"wall_area_m2", read<&qv_study_facade::wall_area>},
+    {"openings", [](const qv_study_facade& facade) { return count_of(facade.openings); }},
+    {"opening_area_m2", read<&qv_study_facade::opening_area>},
+    {"window_area_m2", read<&qv_study_facade::window_area>},
+    {"window_to_wall_ratio",
+     [](const qv_study_facade& facade) {
+       return qv_to_report_value(facade.get_window_to_wall_ratio());
+     }},
+};
+
+constexpr qv_report_field<qv_study_refusal> refusal_fields[] = {
+    {"reason", read<&qv_study_refusal::reason>},
+    {"walls", [](const qv_study_refusal& refusal) { return count_of(refusal.walls); }},
+};
+
 constexpr qv_report_field<qv_study_fate> fate_fields[] = {
     {"kind", read<&qv_study_fate::kind>},       {"id", read<&qv_study_fate::id>},
     {"outcome", read<&qv_study_fate::outcome>}, {"reason", read<&qv_study_fate::reason>},
-    {"area_m2", read<&qv_study_fate::area>},
+    {"area_m2", read<&qv_study_fate::area>},    {"cut_m2", read<&qv_study_fate::cut>},
 };
 
 constexpr qv_report_field<qv_study_balance> balance_fields[] = {
@@ -104,6 +167,14 @@ constexpr qv_report_field<qv_study_balance> balance_fields[] = {
     {"shading_m2", read<&qv_study_balance::shading>},
     {"merged_m2", read<&qv_study_balance::merged>},
     {"dropped_m2", read<&qv_study_balance::dropped>},
+};
+
+constexpr qv_report_field<qv_study_opening_balance> opening_balance_fields[] = {
+    {"source_m2", read<&qv_study_opening_balance::source>},
+    {"openings_m2", read<&qv_study_opening_balance::openings>},
+    {"merged_m2", read<&qv_study_opening_balance::merged>},
+    {"dropped_m2", read<&qv_study_opening_balance::dropped>},
+    {"cut_m2", read<&qv_study_opening_balance::cut>},
 };
 
 }  // namespace
@@ -131,6 +202,24 @@ std::span<const qv_report_field<qv_study_composition>> qv_composition_fields() {
 }
 std::span<const qv_report_field<qv_study_layer>> qv_layer_fields() {
   return layer_fields;
+}
+std::span<const qv_report_field<qv_study_opening>> qv_opening_fields() {
+  return opening_fields;
+}
+std::span<const qv_report_field<qv_study_glazing>> qv_glazing_fields() {
+  return glazing_fields;
+}
+std::span<const qv_report_field<qv_study_glazing_layer>> qv_glazing_layer_fields() {
+  return glazing_layer_fields;
+}
+std::span<const qv_report_field<qv_study_facade>> qv_facade_fields() {
+  return facade_fields;
+}
+std::span<const qv_report_field<qv_study_refusal>> qv_refusal_fields() {
+  return refusal_fields;
+}
+std::span<const qv_report_field<qv_study_opening_balance>> qv_opening_balance_fields() {
+  return opening_balance_fields;
 }
 std::span<const qv_report_field<qv_study_fate>> qv_fate_fields() {
   return fate_fields;

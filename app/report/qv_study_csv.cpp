@@ -79,4 +79,8 @@ std::string qv_walls_csv(const qv_study_results& study) {
   return table(qv_wall_fields(), study.walls);
 }
 
+std::string qv_openings_csv(const qv_study_results& study) {
+  return table(qv_opening_fields(), study.openings);
+}
+
 }  // namespace qv

@@ -11,5 +11,6 @@ namespace qv {
 /// of the JSON form, less the long texts.
 std::string qv_spaces_csv(const qv_study_results& study);
 std::string qv_walls_csv(const qv_study_results& study);
+std::string qv_openings_csv(const qv_study_results& study);
 
 }  // namespace qv

@@ -51,6 +51,32 @@ void write_compositions(qv_json_writer& json,
   json.end_array();
 }
 
+void write_glazings(qv_json_writer& json, const std::vector<qv_study_glazing>& glazings) {
+  json.key("glazings");
+  json.begin_array();
+  for (const auto& glazing : glazings) {
+    json.begin_object();
+    json.members(qv_glazing_fields(), glazing);
+    write_records(json, "layers", qv_glazing_layer_fields(), glazing.layers);
+    json.end_object();
+  }
+  json.end_array();
+}
+
+// What became of the openings that were asked for; null when none were.
+void write_generation(qv_json_writer& json, const qv_study_generation& generation) {
+  if (!generation.asked) {
+    json.member("generated_openings", std::monostate{});
+    return;
+  }
+  json.key("generated_openings");
+  json.begin_object();
+  json.member("made", static_cast<long long>(generation.made));
+  json.member("walls_with_openings", static_cast<long long>(generation.walls_with_openings));
+  write_records(json, "refused", qv_refusal_fields(), generation.refusals);
+  json.end_object();
+}
+
 // {"Surface":{"kept":12,"dropped":1},…}: kinds and outcomes in the order of the tallies, which are
 // sorted by kind.
 void write_counts(qv_json_writer& json, const std::vector<qv_study_tally>& tallies) {
@@ -74,6 +100,8 @@ void write_ledger(qv_json_writer& json, const qv_study_ledger& ledger) {
   write_counts(json, ledger.tallies);
   json.key("area");
   write_record(json, qv_balance_fields(), ledger.balance);
+  json.key("opening_area");
+  write_record(json, qv_opening_balance_fields(), ledger.opening_balance);
   write_records(json, "elements", qv_fate_fields(), ledger.fates);
   json.end_object();
 }
@@ -94,6 +122,10 @@ std::string qv_study_json(const qv_study_results& study) {
   write_records(json, "spaces", qv_space_fields(), study.spaces);
   write_records(json, "walls", qv_wall_fields(), study.walls);
   write_compositions(json, study.compositions);
+  write_records(json, "openings", qv_opening_fields(), study.openings);
+  write_glazings(json, study.glazings);
+  write_records(json, "facades", qv_facade_fields(), study.facades);
+  write_generation(json, study.generation);
   write_ledger(json, study.ledger);
   json.end_object();
   return json.text();

@@ -6,6 +6,8 @@
 #include <map>
 #include <tuple>
 
+#include "app/report/qv_openings_summary.h"
+#include "app/report/qv_summary_text.h"
 #include "app/report/qv_text_table.h"
 
 namespace qv {
@@ -13,19 +15,8 @@ namespace {
 
 constexpr auto left = qv_text_table::align::left;
 constexpr auto right = qv_text_table::align::right;
-constexpr const char* unknown = "–";
-
-std::string plural(std::size_t count, const char* one, const char* many) {
-  return fmt::format("{} {}", count, count == 1 ? one : many);
-}
-
-std::string hundredths(double value) {
-  return fmt::format("{:.2f}", value);
-}
-
-std::string hundredths(const std::optional<double>& value) {
-  return value.has_value() ? hundredths(*value) : unknown;
-}
+constexpr double smallest_cut = 0.005;  // m²; less shows as 0.00
+constexpr const char* unknown = qv_unknown_text;
 
 // How far the measured figure is from the stated one, in percent of the stated one.
 std::string difference(double measured, const std::optional<double>& stated) {
@@ -54,7 +45,7 @@ std::string buildings_part(const qv_study_results& study) {
   for (const auto& building : study.buildings) {
     table.add_row({building.name, std::to_string(building.floors.size()),
                    std::to_string(building.zones.size()), std::to_string(building.space_count),
-                   hundredths(building.area), hundredths(building.volume)});
+                   qv_hundredths(building.area), qv_hundredths(building.volume)});
   }
   return table.text();
 }
@@ -74,9 +65,9 @@ std::string spaces_part(const qv_study_results& study) {
     const auto& space = study.spaces[index];
     table.add_row({space.name.empty() ? space.id : space.name,
                    space.floor.has_value() ? std::to_string(*space.floor) : unknown,
-                   space.zone.value_or(unknown), hundredths(space.area),
-                   hundredths(space.stated_area), difference(space.area, space.stated_area),
-                   hundredths(space.volume), hundredths(space.stated_volume),
+                   space.zone.value_or(unknown), qv_hundredths(space.area),
+                   qv_hundredths(space.stated_area), difference(space.area, space.stated_area),
+                   qv_hundredths(space.volume), qv_hundredths(space.stated_volume),
                    difference(space.volume, space.stated_volume)});
   }
   if (shown < study.spaces.size()) {
@@ -85,9 +76,9 @@ std::string spaces_part(const qv_study_results& study) {
   const auto stated_area = sum_of(study.spaces, &qv_study_space::stated_area);
   const auto stated_volume = sum_of(study.spaces, &qv_study_space::stated_volume);
   table.add_rule();
-  table.add_row({"all spaces", "", "", hundredths(study.get_area()), hundredths(stated_area),
-                 difference(study.get_area(), stated_area), hundredths(study.get_volume()),
-                 hundredths(stated_volume), difference(study.get_volume(), stated_volume)});
+  table.add_row({"all spaces", "", "", qv_hundredths(study.get_area()), qv_hundredths(stated_area),
+                 difference(study.get_area(), stated_area), qv_hundredths(study.get_volume()),
+                 qv_hundredths(stated_volume), difference(study.get_volume(), stated_volume)});
   return table.text() + fmt::format(
                             "  Area: floor with more than 1.8 m of free height. Measured on the "
                             "Surface polygons of\n"
@@ -113,7 +104,7 @@ std::string wall_row_u(const wall_group& group) {
 
 std::string walls_part(const qv_study_results& study) {
   std::vector<wall_group> groups;
-  wall_group loss{"loss area"};
+  wall_group loss{"loss area, walls"};
   for (const auto& wall : study.walls) {
     auto group = std::find_if(groups.begin(), groups.end(), [&](const auto& known) {
       return known.contact_type == wall.contact_type;
@@ -135,16 +126,22 @@ std::string walls_part(const qv_study_results& study) {
                        {"of which U unknown m²", right}});
   const auto add = [&table](const wall_group& group) {
     const double unknown_area = group.area - group.known_area;
-    table.add_row({group.contact_type, std::to_string(group.count), hundredths(group.area),
+    table.add_row({group.contact_type, std::to_string(group.count), qv_hundredths(group.area),
                    wall_row_u(group),
-                   unknown_area > 0.0 ? hundredths(unknown_area) : std::string(unknown)});
+                   unknown_area > 0.0 ? qv_hundredths(unknown_area) : std::string(unknown)});
   };
   std::sort(groups.begin(), groups.end(),
             [](const auto& a, const auto& b) { return a.contact_type < b.contact_type; });
   for (const auto& group : groups) add(group);
   table.add_rule();
   add(loss);
-  return table.text() + "  U: layers alone, without surface resistances.\n";
+  std::string text = table.text() + "  U: layers alone, without surface resistances.\n";
+  const double openings = study.get_loss_opening_area();
+  if (openings > 0.0) {
+    text += fmt::format("  With the openings in them, {:.2f} m², the loss area is {:.2f} m².\n",
+                        openings, study.get_loss_area());
+  }
+  return text;
 }
 
 std::string counts_part(const qv_study_ledger& ledger) {
@@ -185,6 +182,7 @@ std::string reasons_part(const qv_study_ledger& ledger) {
   struct group {
     std::size_t count = 0;
     double area = 0.0;
+    double cut = 0.0;
     bool has_area = false;
   };
   std::map<std::tuple<std::string, std::string, std::string>, group> groups;
@@ -193,6 +191,7 @@ std::string reasons_part(const qv_study_ledger& ledger) {
     group& sum = groups[{fate.kind, fate.outcome, fate.reason}];
     ++sum.count;
     sum.area += fate.area.value_or(0.0);
+    sum.cut += fate.cut.value_or(0.0);
     sum.has_area = sum.has_area || fate.area.has_value();
   }
   if (groups.empty()) return {};
@@ -206,10 +205,23 @@ std::string reasons_part(const qv_study_ledger& ledger) {
     }
     const auto& [kind, outcome, reason] = what;
     text += fmt::format("  {} {} {}", sum.count, kind, outcome);
-    if (sum.has_area) text += fmt::format(" ({:.2f} m²)", sum.area);
+    if (sum.has_area) {
+      text += fmt::format(" ({:.2f} m²", sum.area);
+      if (sum.cut >= smallest_cut) text += fmt::format(", {:.2f} m² of it cut off", sum.cut);
+      text += ')';
+    }
     text += ": " + reason + "\n";
   }
   return text;
+}
+
+std::string opening_areas(const qv_study_opening_balance& sums) {
+  if (sums.source <= 0.0) return {};
+  std::string text = fmt::format("  Openings: {:.2f} m² in the file = {:.2f} m² of openings",
+                                 sums.source, sums.openings);
+  if (sums.merged > 0.0) text += fmt::format(" + {:.2f} m² said twice", sums.merged);
+  if (sums.cut >= smallest_cut) text += fmt::format(" + {:.2f} m² cut off", sums.cut);
+  return text + fmt::format(" + {:.2f} m² dropped\n", sums.dropped);
 }
 
 std::string headline(const qv_study_results& study) {
@@ -219,12 +231,13 @@ std::string headline(const qv_study_results& study) {
     storeys += building.floors.size();
     zones += building.zones.size();
   }
-  return fmt::format("Study of {}\n  {}, {}, {}, {}, {}, {}\n", study.source,
-                     plural(study.buildings.size(), "building", "buildings"),
-                     plural(storeys, "storey", "storeys"), plural(zones, "zone", "zones"),
-                     plural(study.spaces.size(), "space", "spaces"),
-                     plural(study.walls.size(), "wall", "walls"),
-                     plural(study.compositions.size(), "composition", "compositions"));
+  return fmt::format("Study of {}\n  {}, {}, {}, {}, {}, {}, {}\n", study.source,
+                     qv_plural(study.buildings.size(), "building", "buildings"),
+                     qv_plural(storeys, "storey", "storeys"), qv_plural(zones, "zone", "zones"),
+                     qv_plural(study.spaces.size(), "space", "spaces"),
+                     qv_plural(study.walls.size(), "wall", "walls"),
+                     qv_plural(study.openings.size(), "opening", "openings"),
+                     qv_plural(study.compositions.size(), "composition", "compositions"));
 }
 
 }  // namespace
@@ -236,7 +249,9 @@ std::string qv_ledger_summary(const qv_study_ledger& ledger) {
   if (sums.shading > 0.0) areas += fmt::format(" ({:.2f} m² of shading)", sums.shading);
   if (sums.merged > 0.0) areas += fmt::format(" + {:.2f} m² said twice", sums.merged);
   areas += fmt::format(" + {:.2f} m² dropped\n", sums.dropped);
-  if (!sums.balanced) areas += "  These areas do not balance: please report this file.\n";
+  areas += opening_areas(ledger.opening_balance);
+  if (!sums.balanced || !ledger.opening_balance.balanced)
+    areas += "  These areas do not balance: please report this file.\n";
   return counts_part(ledger) + areas + reasons_part(ledger);
 }
 
@@ -245,6 +260,9 @@ std::string qv_study_summary(const qv_study_results& study) {
   if (!study.buildings.empty()) text += "\n" + buildings_part(study);
   if (!study.spaces.empty()) text += "\n" + spaces_part(study);
   if (!study.walls.empty()) text += "\n" + walls_part(study);
+  if (const std::string openings = qv_openings_summary(study); !openings.empty()) {
+    text += "\n" + openings;
+  }
   text += "\n" + qv_ledger_summary(study.ledger);
   if (!study.notes.empty()) text += '\n';
   for (const std::string& note : study.notes) text += "  Note: " + note + '\n';

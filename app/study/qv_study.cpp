@@ -40,8 +40,8 @@ void announce(const qv_study_progress& progress, int step, const char* what) {
 
 }  // namespace
 
-void qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
-                      const qv_study_progress& progress) {
+qv_study_generation qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
+                                     const qv_study_progress& progress) {
   qv_scene& scene = *model.scene;
   announce(progress, 2, "measuring the spaces");
   if (is_grouped(model, options)) {
@@ -52,14 +52,19 @@ void qv_compute_model(const qv_gbxml_model& model, const qv_study_options& optio
   announce(progress, 3, "computing the walls");
   qvi_limit_condition::default_limit_conditions(&scene);
   scene.precompute();
+  if (!options.glazing_ratios.any()) return {};
+  qv_study_generation generation = qv_generate_openings(model, options.glazing_ratios);
+  scene.precompute();
+  return generation;
 }
 
 qv_study_results qv_run_study(const qv_study_options& options, const qv_study_progress& progress) {
   announce(progress, 1, "reading the model");
   const qv_gbxml_model model = qv_read_gbxml(options.model);
-  qv_compute_model(model, options, progress);
+  const qv_study_generation generation = qv_compute_model(model, options, progress);
   announce(progress, 4, "gathering the results");
   qv_study_results study = qv_gather_study(model);
+  study.generation = generation;
   study.source = options.model;
   study.notes = notes_on(model, options);
   study.model_json = model_text(*model.root, *model.scene);

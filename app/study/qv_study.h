@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 
+#include "app/study/qv_generated_openings.h"
 #include "app/study/qv_study_results.h"
 
 namespace qv {
@@ -16,6 +17,8 @@ struct qv_study_options {
   bool regroup = false;
   /// Give the spaces new names where they are grouped: building number and rank in it.
   bool rename_spaces = false;
+  /// Openings to generate on outer walls without any; none unless asked for.
+  qv_glazing_ratios glazing_ratios = {};
 };
 
 /// Told at the beginning of each step: its rank from 1, how many there are, and what it does
@@ -27,8 +30,9 @@ qv_study_results qv_run_study(const qv_study_options& options,
                               const qv_study_progress& progress = {});
 
 /// The steps between reading and gathering: groups the spaces into buildings where the file has
-/// none or where that is asked for, measures everything, lays the lowest floors on the ground.
-void qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
-                      const qv_study_progress& progress = {});
+/// none or where that is asked for, measures everything, lays the lowest floors on the ground,
+/// generates the openings asked for. Returns what became of these.
+qv_study_generation qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
+                                     const qv_study_progress& progress = {});
 
 }  // namespace qv

@@ -5,6 +5,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "app/study/qv_study_gather_openings.h"
+#include "bim/envelope/qvi_opening.h"
 #include "bim/envelope/qvi_wall.h"
 #include "bim/hierarchy/qvi_building.h"
 #include "bim/hierarchy/qvi_space.h"
@@ -209,6 +211,9 @@ qv_study_ledger qv_gather_ledger(const qv_import_ledger& ledger) {
   const qv_import_ledger::area_balance sums = ledger.get_balance();
   result.balance = {sums.source, sums.walls,   sums.shading,
                     sums.merged, sums.dropped, sums.is_balanced()};
+  const qv_import_ledger::opening_balance openings = ledger.get_opening_balance();
+  result.opening_balance = {openings.source,  openings.openings, openings.merged,
+                            openings.dropped, openings.cut,      openings.is_balanced()};
   for (const qv_import_ledger::entry& entry : ledger.get_entries()) {
     qv_study_fate& fate = result.fates.emplace_back();
     fate.kind = qv_import_ledger::get_kind_name(entry.what);
@@ -218,6 +223,7 @@ qv_study_ledger qv_gather_ledger(const qv_import_ledger& ledger) {
     const bool has_area = entry.what == qv_import_ledger::kind::surface ||
                           entry.what == qv_import_ledger::kind::opening || entry.area > 0.0;
     if (has_area) fate.area = entry.area;
+    if (entry.what == qv_import_ledger::kind::opening) fate.cut = entry.cut;
   }
   return result;
 }
@@ -249,6 +255,15 @@ qv_study_results qv_gather_study(const qv_gbxml_model& model) {
     study.compositions.push_back(gather_composition(static_cast<qvi_composition&>(*item)));
   }
   study.location = qv_gather_location(model);
+  const double north = study.location.azimuth.value_or(0.0);
+  id_maker opening_ids("opening");
+  qv_gather_openings(
+      scene, north, [&wall_ids](const qvi_wall* wall) { return wall_ids.find(wall); },
+      [&opening_ids](const qvi_opening& opening) {
+        return opening_ids.make(&opening, opening.get_source_ids());
+      },
+      study);
+  qv_gather_facades(scene, north, study);
   study.ledger = qv_gather_ledger(model.ledger);
   return study;
 }

@@ -84,6 +84,84 @@ struct qv_study_composition {
   std::vector<qv_study_layer> layers;  // outside first; of a floor, bottom first
 };
 
+struct qv_study_opening {
+  std::string id;
+  std::string name;
+  std::optional<std::string> wall;  // id
+  std::string opening_type;
+  std::optional<std::string> composition;
+  float glazing_area = 0.0f;
+  float opaque_area = 0.0f;
+  float frame_area = 0.0f;
+  float full_area = 0.0f;
+  // Absent where it is not known what fills the opening. Glazing with surface resistances, panels
+  // without.
+  std::optional<float> u;
+  std::optional<float> solar_factor;           // 0 … 1
+  std::optional<float> visible_transmittance;  // 0 … 1
+  std::string html;                            // information panel
+  /// "north", "east", "south", "west", "roof", "floor", "inside" (between spaces), "no space".
+  std::string facing;
+  /// Whether its wall loses heat.
+  bool loses_heat = false;
+};
+
+/// A pane, a gap or a film. What only panes have is absent of gaps.
+struct qv_study_glazing_layer {
+  std::string name;
+  std::string kind;  // "glass", "gas", "interlayer", "pv"
+  float thickness = 0.0f;
+  float conductivity = 0.0f;
+  std::optional<std::string> gas;
+  std::optional<float> solar_transmittance;
+  std::optional<float> solar_reflectance_front;
+  std::optional<float> solar_reflectance_back;
+  std::optional<float> visible_transmittance;
+  std::optional<float> visible_reflectance_front;
+  std::optional<float> visible_reflectance_back;
+  std::optional<float> emissivity_front;
+  std::optional<float> emissivity_back;
+};
+
+struct qv_study_glazing {
+  std::string name;
+  float u_vertical = 0.0f;
+  float u_horizontal = 0.0f;
+  float u_inclined = 0.0f;
+  float solar_factor = 0.0f;
+  float visible_transmittance = 0.0f;
+  float thickness = 0.0f;
+  std::vector<qv_study_glazing_layer> layers;  // outside first
+};
+
+/// The outer walls that look to one quarter.
+struct qv_study_facade {
+  std::string orientation;
+  std::size_t walls = 0;
+  std::size_t openings = 0;
+  double wall_area = 0.0;     // openings included
+  double opening_area = 0.0;  // windows, doors and all
+  double window_area = 0.0;   // glazing and frames
+
+  /// Windows to walls; absent without walls.
+  std::optional<double> get_window_to_wall_ratio() const;
+};
+
+/// Why openings could not be generated, and on how many walls.
+struct qv_study_refusal {
+  std::string reason;
+  std::size_t walls = 0;
+};
+
+/// Openings made by the study itself.
+struct qv_study_generation {
+  bool asked = false;
+  std::size_t made = 0;
+  /// Outer walls that were left alone since they have openings of the file.
+  std::size_t walls_with_openings = 0;
+  std::vector<qv_study_refusal> refusals;
+};
+
 /// What became of one element of the model file.
 struct qv_study_fate {
   std::string kind;
@@ -91,6 +169,7 @@ struct qv_study_fate {
   std::string outcome;
   std::string reason;
   std::optional<double> area;
+  std::optional<double> cut = {};  // of the area, taken off an opening that was kept
 };
 
 /// How many elements of one kind ended in one way.
@@ -110,9 +189,20 @@ struct qv_study_balance {
   bool balanced = true;  // to 1e-6
 };
 
+/// Where the area of the file's openings went: source = openings + merged + dropped + cut.
+struct qv_study_opening_balance {
+  double source = 0.0;
+  double openings = 0.0;
+  double merged = 0.0;
+  double dropped = 0.0;
+  double cut = 0.0;      // outside of walls or within other openings
+  bool balanced = true;  // to 1e-5
+};
+
 struct qv_study_ledger {
   std::vector<qv_study_tally> tallies;  // every kind with every outcome, kind by kind
   qv_study_balance balance;
+  qv_study_opening_balance opening_balance;
   std::vector<qv_study_fate> fates;
 };
 
@@ -123,6 +213,10 @@ struct qv_study_results {
   std::vector<qv_study_space> spaces;
   std::vector<qv_study_wall> walls;
   std::vector<qv_study_composition> compositions;
+  std::vector<qv_study_opening> openings;
+  std::vector<qv_study_glazing> glazings;
+  std::vector<qv_study_facade> facades;
+  qv_study_generation generation;
   qv_study_ledger ledger;
   int closed_space_count = 0;      // spaces whose surfaces leave no gap
   std::vector<std::string> notes;  // what the user should know of this study, a sentence each
@@ -131,8 +225,10 @@ struct qv_study_results {
   /// Sums over the spaces, m² and m³.
   double get_area() const;
   double get_volume() const;
-  /// Area of the walls between a space and what is no space, m².
+  /// Area of the walls between a space and what is no space and of the openings in them, m².
   double get_loss_area() const;
+  /// Of these openings alone, m².
+  double get_loss_opening_area() const;
 };
 
 }  // namespace qv

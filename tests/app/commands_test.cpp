@@ -214,21 +214,21 @@ TEST(qv_study_command, tells_that_standard_output_cannot_be_written) {
   EXPECT_THAT(run.errors, HasSubstr("standard output"));
 }
 
-TEST(qv_study_command, writes_the_four_files_and_a_summary) {
+TEST(qv_study_command, writes_the_five_files_and_a_summary) {
   const qv_temporary_folder place;
   const auto run = qv_run({"study", sample, "--out", place.path()});
   EXPECT_EQ(run.exit_code, 0) << run.errors;
   EXPECT_THAT(run.output, HasSubstr("1 building, 3 storeys, 3 zones, 11 spaces"));
-  EXPECT_EQ(entry_count(place.path()), 4u);
+  EXPECT_EQ(entry_count(place.path()), 5u);
   const auto study = nlohmann::json::parse(qv_file_content(place.path() / "study.json"));
   EXPECT_EQ(study["source"], sample);
   const std::string model = qv_file_content(place.path() / "model.json");
   EXPECT_THAT(model, testing::StartsWith("{\"buildings:\":[{\"name:\":\"Maison\",\"zones:\":["));
   EXPECT_TRUE(nlohmann::json::accept(model));
   EXPECT_THAT(model, HasSubstr("\"name:\":\"Salon\",\"volume\":108.00,\"area\":40.00"));
-  for (const char* name : {"spaces.csv", "walls.csv"}) {
-    const std::string table = qv_file_content(place.path() / name);
-    const auto& records = study[std::string(name) == "spaces.csv" ? "spaces" : "walls"];
+  for (const char* name : {"spaces", "walls", "openings"}) {
+    const std::string table = qv_file_content(place.path() / (std::string(name) + ".csv"));
+    const auto& records = study[name];
     EXPECT_EQ(static_cast<std::size_t>(std::count(table.begin(), table.end(), '\n')),
               records.size() + 1);
   }
@@ -253,7 +253,7 @@ TEST(qv_study_command, gives_the_same_files_each_time_and_from_any_folder) {
   const auto run = qv_run_shell("cd '" + place.path().string() + "' && cp '" + sample +
                                 "' house.xml && \"$QV\" study house.xml --out second");
   ASSERT_EQ(run.exit_code, 0) << run.errors;
-  for (const char* name : {"model.json", "spaces.csv", "walls.csv"}) {
+  for (const char* name : {"model.json", "spaces.csv", "walls.csv", "openings.csv"}) {
     EXPECT_EQ(qv_file_content(place.path() / "first" / name),
               qv_file_content(place.path() / "second" / name))
         << name;
@@ -263,6 +263,66 @@ TEST(qv_study_command, gives_the_same_files_each_time_and_from_any_folder) {
   EXPECT_EQ(other["source"], "house.xml");
   other["source"] = one["source"];
   EXPECT_EQ(one, other);
+}
+
+TEST(qv_study_command, names_the_figures_of_openings_and_glazings_as_its_guide_does) {
+  const qv_temporary_folder place;
+  ASSERT_EQ(qv_run({"study", sample, "--out", place.path()}).exit_code, 0);
+  const auto study = nlohmann::ordered_json::parse(qv_file_content(place.path() / "study.json"));
+  const auto keys = [](const nlohmann::ordered_json& record) {
+    std::string text;
+    for (const auto& [key, content] : record.items()) text += key + " ";
+    return text;
+  };
+  EXPECT_EQ(keys(study["openings"][0]),
+            "id name wall opening_type composition glazing_area_m2 opaque_area_m2 frame_area_m2 "
+            "full_area_m2 u solar_factor visible_transmittance html ");
+  EXPECT_EQ(keys(study["glazings"][0]),
+            "name u_vertical u_horizontal u_inclined solar_factor visible_transmittance "
+            "thickness_m layers ");
+  EXPECT_EQ(study["openings"][0]["wall"], "su-06");
+  EXPECT_EQ(study["openings"][0]["composition"], "Baie coulissante");
+  EXPECT_EQ(study["glazings"][0]["layers"][1]["gas"], "argon");
+  EXPECT_TRUE(study["openings"].back()["visible_transmittance"].is_null());
+  ASSERT_EQ(study["facades"].size(), 4u);
+  EXPECT_EQ(study["facades"][2]["orientation"], "south");
+  EXPECT_NEAR(study["facades"][2]["window_to_wall_ratio"].get<double>(), 9.96 / 70.5, 1e-6);
+  EXPECT_TRUE(study["generated_openings"].is_null());
+  const std::string table = qv_file_content(place.path() / "openings.csv");
+  EXPECT_THAT(table, testing::StartsWith(
+                         "id,name,wall,opening_type,composition,glazing_area_m2,opaque_area_m2,"
+                         "frame_area_m2,full_area_m2,u,solar_factor,visible_transmittance\r\n"));
+}
+
+TEST(qv_study_command, generates_openings_by_orientation) {
+  const qv_temporary_folder place;
+  const auto run = qv_run({"study", sample, "--out", place.path(), "--glazing-ratio", "0.2",
+                           "--glazing-ratio-north", "0", "--glazing-ratio-east", "0.35"});
+  ASSERT_EQ(run.exit_code, 0) << run.errors;
+  const auto study = nlohmann::json::parse(qv_file_content(place.path() / "study.json"));
+  // Of 24 outer walls eight look north; of the others six have openings. The office's east wall of
+  // 5.8 m² goes round a corner of the garage.
+  EXPECT_EQ(study["generated_openings"]["walls_with_openings"], 6);
+  EXPECT_EQ(study["generated_openings"]["made"], 9);
+  ASSERT_EQ(study["generated_openings"]["refused"].size(), 1u);
+  EXPECT_EQ(study["generated_openings"]["refused"][0]["walls"], 1);
+  EXPECT_THAT(run.output, HasSubstr("  9 openings generated; 6 outer walls with openings of the "
+                                    "file left as they are\n"));
+  EXPECT_NEAR(study["facades"][0]["window_to_wall_ratio"].get<double>(), 3.6 / 70.5, 1e-6);
+  EXPECT_NEAR(study["facades"][1]["window_to_wall_ratio"].get<double>(), 0.35 * (58.4 - 5.8) / 58.4,
+              1e-3);
+  // South: only the knee wall of the attic, 5 m², had none.
+  EXPECT_NEAR(study["facades"][2]["window_to_wall_ratio"].get<double>(), (9.96 + 1.0) / 70.5, 1e-3);
+}
+
+TEST(qv_study_command, refuses_a_glazing_ratio_that_is_no_share) {
+  const qv_temporary_folder place;
+  for (const char* ratio : {"1", "-0.1", "nan", "30%", "x", "0,3"}) {
+    const auto run =
+        qv_run({"study", sample, "--out", place.path() / "out", "--glazing-ratio", ratio});
+    EXPECT_EQ(run.exit_code, 2) << ratio;
+    EXPECT_FALSE(std::filesystem::exists(place.path() / "out")) << ratio;
+  }
 }
 
 TEST(qv_study_command, groups_and_renames_when_asked) {

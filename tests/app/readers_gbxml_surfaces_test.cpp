@@ -246,25 +246,6 @@ TEST(qv_gbxml_surfaces, reads_a_misspelt_planar_geometry_and_feet) {
   EXPECT_NEAR(entry_of(model, "w").area, 9.290304, 1e-9);
 }
 
-TEST(qv_gbxml_surfaces, counts_openings_with_their_areas_as_not_read_yet) {
-  const auto model =
-      qv_gbxml_text()
-          .head("<WindowType id=\"t\"/>")
-          .space("a")
-          .surface("w", "ExteriorWall", {"a"},
-                   qv_gbxml_text::planar(square) +
-                       "<Opening id=\"o\" openingType=\"FixedWindow\">" +
-                       qv_gbxml_text::planar({{0, 1, 1}, {0, 2, 1}, {0, 2, 2}, {0, 1, 2}}) +
-                       "</Opening>")
-          .read();
-  const auto opening = qv_find_entry(model.ledger, kind::opening, "o");
-  EXPECT_EQ(opening.result, outcome::not_read);
-  EXPECT_NEAR(opening.area, 1, 1e-9);
-  EXPECT_EQ(qv_find_entry(model.ledger, kind::window_type, "t").result, outcome::not_read);
-  // The wall stays whole.
-  EXPECT_NEAR(model.ledger.get_balance().walls, 12, 1e-6);
-}
-
 TEST(qv_gbxml_surfaces, brings_a_model_far_from_the_origin_near_it) {
   qv_gbxml_text text;
   text.box("a", {651200.25, 6862000.5, 35}, {651204.25, 6862003.5, 38});

@@ -8,11 +8,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 
 #include "app/readers/qv_gbxml_reader.h"
 #include "app/readers/qv_gbxml_surface_type.h"
+#include "bim/envelope/qvi_opening.h"
 #include "bim/envelope/qvi_wall.h"
 #include "bim/hierarchy/qvi_space.h"
 #include "bim/project/qvi_bim_root.h"
@@ -46,6 +48,33 @@ nlohmann::json read_reference() {
   return reference;
 }
 
+// What is left of each wall's face and its openings add up to the face; so do openings and ledger.
+void expect_openings_in_their_walls(const qv::qv_gbxml_model& model) {
+  std::map<qv::qvi_wall*, double> areas;
+  std::set<std::string> made;
+  for (qv::qvi_opening* opening : qv::qv_collect<qv::qvi_opening>(model.root, "opening")) {
+    ASSERT_NE(opening->get_wall(), nullptr);
+    for (qv::qvi_polygon* outline : qv::qv_collect<qv::qvi_polygon>(opening, "polygon"))
+      areas[opening->get_wall()] += outline->get_area();
+    for (const std::string& id : opening->get_source_ids()) made.insert(id);
+  }
+  for (qv::qvi_wall* wall : qv::qv_collect<qv::qvi_wall>(model.root, "wall")) {
+    const double face = wall->get_face_0()->get_area();
+    qv::qvi_polygon* pierced = wall->get_pierced_face_0();
+    EXPECT_EQ(pierced != nullptr, areas.contains(wall)) << wall->get_name();
+    if (pierced == nullptr) continue;
+    EXPECT_NEAR(pierced->get_area() + areas[wall], face, 1e-5 * face) << wall->get_name();
+  }
+  const auto balance = model.ledger.get_opening_balance();
+  EXPECT_TRUE(balance.is_balanced()) << balance.get_relative_error();
+  EXPECT_EQ(model.ledger.get_count(kind::opening, outcome::not_read), 0U);
+  EXPECT_EQ(model.ledger.get_count(kind::window_type, outcome::not_read), 0U);
+  for (const auto& entry : model.ledger.get_entries())
+    if (entry.what == kind::opening) {
+      EXPECT_EQ(entry.result != outcome::dropped, made.contains(entry.id)) << entry.id;
+    }
+}
+
 class shared_data : public testing::Test {
  protected:
   void SetUp() override {
@@ -72,6 +101,7 @@ TEST_F(shared_data, every_file_reads_with_a_balanced_ledger_and_a_reason_for_eve
       EXPECT_NEAR(wall->get_normal().length(), 1, 1e-5);
     }
     EXPECT_NEAR(area, balance.walls, 1e-6 * balance.walls + 1e-9);
+    expect_openings_in_their_walls(model);
   }
 }
 

@@ -38,6 +38,29 @@ qv::qv_study_results small_study() {
       {"w3", "cloison", "wall", "inner_wall", "s1", "s2", 8.0f, 0.0f, 90.0f, 2.0f, "Plâtre", {}});
   study.compositions.push_back(
       {"Brique", "wall", 0.5f, 2.0f, 0.2f, {{"Brique", 0.2f, 0.1f, 2.0f}, {"?", {}, {}, {}}}});
+  study.openings.push_back({"o1",
+                            "baie",
+                            "w1",
+                            "window",
+                            "Double",
+                            3.0f,
+                            0.0f,
+                            0.0f,
+                            3.0f,
+                            1.5f,
+                            0.6f,
+                            {},
+                            "<table>",
+                            "east",
+                            true});
+  study.openings.push_back(
+      {"o2", "", "w1", "door", {}, 0.0f, 2.0f, 0.0f, 2.0f, {}, {}, {}, "", "east", true});
+  study.glazings.push_back({"Double", 1.5f, 1.9f, 1.7f, 0.6f, 0.8f, 0.02f, {}});
+  study.glazings[0].layers.push_back(
+      {"Verre", "glass", 0.004f, 1.0f, {}, 0.85f, 0.08f, 0.08f, 0.9f, 0.08f, 0.08f, 0.84f, 0.84f});
+  study.glazings[0].layers.push_back(
+      {"Argon", "gas", 0.016f, 0.0168f, "argon", {}, {}, {}, {}, {}, {}, {}, {}});
+  study.facades = {{"north"}, {"east", 1, 2, 17.0, 5.0, 3.0}, {"south"}, {"west"}};
   study.ledger.tallies = {{"Space", "kept", 2},
                           {"Space", "dropped", 0},
                           {"Surface", "kept", 3},
@@ -52,9 +75,10 @@ TEST(qv_study_json, has_its_keys_in_their_order) {
   const auto study = nlohmann::ordered_json::parse(qv::qv_study_json(small_study()));
   using names = std::vector<std::string>;
   EXPECT_EQ(keys_of(study), (names{"format", "version", "source", "location", "totals", "buildings",
-                                   "spaces", "walls", "compositions", "ledger"}));
-  EXPECT_EQ(keys_of(study["totals"]),
-            (names{"spaces", "area_m2", "volume_m3", "loss_area_m2", "walls"}));
+                                   "spaces", "walls", "compositions", "openings", "glazings",
+                                   "facades", "generated_openings", "ledger"}));
+  EXPECT_EQ(keys_of(study["totals"]), (names{"spaces", "area_m2", "volume_m3", "loss_area_m2",
+                                             "walls", "openings", "loss_opening_area_m2"}));
   EXPECT_EQ(keys_of(study["buildings"][0]),
             (names{"name", "status", "floors", "area_m2", "volume_m3", "zones"}));
   EXPECT_EQ(keys_of(study["buildings"][0]["zones"][0]), (names{"name", "spaces"}));
@@ -68,9 +92,19 @@ TEST(qv_study_json, has_its_keys_in_their_order) {
             (names{"name", "typology", "u", "resistance", "thickness", "layers"}));
   EXPECT_EQ(keys_of(study["compositions"][0]["layers"][0]),
             (names{"name", "thickness", "conductivity", "resistance"}));
-  EXPECT_EQ(keys_of(study["ledger"]), (names{"counts", "area", "elements"}));
+  EXPECT_EQ(keys_of(study["openings"][0]),
+            (names{"id", "name", "wall", "opening_type", "composition", "glazing_area_m2",
+                   "opaque_area_m2", "frame_area_m2", "full_area_m2", "u", "solar_factor",
+                   "visible_transmittance", "html"}));
+  EXPECT_EQ(keys_of(study["glazings"][0]),
+            (names{"name", "u_vertical", "u_horizontal", "u_inclined", "solar_factor",
+                   "visible_transmittance", "thickness_m", "layers"}));
+  EXPECT_EQ(keys_of(study["facades"][0]),
+            (names{"orientation", "walls", "wall_area_m2", "openings", "opening_area_m2",
+                   "window_area_m2", "window_to_wall_ratio"}));
+  EXPECT_EQ(keys_of(study["ledger"]), (names{"counts", "area", "opening_area", "elements"}));
   EXPECT_EQ(keys_of(study["ledger"]["elements"][0]),
-            (names{"kind", "id", "outcome", "reason", "area_m2"}));
+            (names{"kind", "id", "outcome", "reason", "area_m2", "cut_m2"}));
   EXPECT_EQ(study["format"], "qv-study");
   EXPECT_EQ(study["version"], 1);
 }
@@ -86,6 +120,12 @@ TEST(qv_study_json, says_null_for_what_cannot_be_known) {
   EXPECT_TRUE(study["walls"][1]["u"].is_null());
   EXPECT_TRUE(study["compositions"][0]["layers"][1]["thickness"].is_null());
   EXPECT_TRUE(study["ledger"]["elements"][1]["area_m2"].is_null());
+  EXPECT_TRUE(study["openings"][1]["u"].is_null());
+  EXPECT_TRUE(study["openings"][1]["composition"].is_null());
+  EXPECT_TRUE(study["glazings"][0]["layers"][0]["gas"].is_null());
+  EXPECT_TRUE(study["glazings"][0]["layers"][1]["emissivity_back"].is_null());
+  EXPECT_TRUE(study["facades"][0]["window_to_wall_ratio"].is_null());
+  EXPECT_TRUE(study["generated_openings"].is_null());
 }
 
 TEST(qv_study_json, sums_spaces_and_the_walls_with_a_space_on_one_side_only) {
@@ -94,7 +134,9 @@ TEST(qv_study_json, sums_spaces_and_the_walls_with_a_space_on_one_side_only) {
   EXPECT_EQ(totals["walls"], 3);
   EXPECT_EQ(totals["area_m2"], 30.5);
   EXPECT_EQ(totals["volume_m3"], 76.25);
-  EXPECT_EQ(totals["loss_area_m2"], 32.5);  // 12 + 20.5, not the partition's 8
+  EXPECT_EQ(totals["loss_area_m2"], 37.5);  // 12 + 20.5 and the openings, not the partition's 8
+  EXPECT_EQ(totals["loss_opening_area_m2"], 5.0);
+  EXPECT_EQ(totals["openings"], 2);
 }
 
 TEST(qv_study_json, counts_by_kind_and_outcome) {
@@ -138,7 +180,51 @@ TEST(qv_study_summary, shows_stated_beside_measured) {
   // 20.5 is 2.5 % more than 20, and 51.25 than 50.
   EXPECT_THAT(text, HasSubstr("20.50   20.00      +2.5 %"));
   EXPECT_THAT(text, HasSubstr("51.25   50.00      +2.5 %"));
-  EXPECT_THAT(text, HasSubstr("1 building, 1 storey, 1 zone, 2 spaces, 3 walls, 1 composition"));
+  EXPECT_THAT(text, HasSubstr("1 building, 1 storey, 1 zone, 2 spaces, 3 walls, 2 openings, "
+                              "1 composition"));
+}
+
+TEST(qv_study_summary, lists_openings_by_type_and_by_what_they_look_to) {
+  const std::string text = qv::qv_study_summary(small_study());
+  EXPECT_THAT(text, testing::ContainsRegex("window +east +1 +3\\.00 +3\\.00 +1\\.50 +0\\.60 +–"));
+  EXPECT_THAT(text, testing::ContainsRegex("door +east +1 +2\\.00 +0\\.00 +– +– +–"));
+  // Means over what is known: the window alone.
+  EXPECT_THAT(text, testing::ContainsRegex("all openings +2 +5\\.00 +3\\.00 +1\\.50 +0\\.60 +–"));
+  EXPECT_THAT(text, testing::ContainsRegex("east +1 +17\\.00 +2 +5\\.00 +3\\.00 +17\\.6 %"));
+  EXPECT_THAT(text, testing::ContainsRegex("north +0 +0\\.00 +0 +0\\.00 +0\\.00 +–"));
+  EXPECT_THAT(text, HasSubstr("With the openings in them, 5.00 m², the loss area is 37.50 m²."));
+  EXPECT_THAT(text, Not(HasSubstr("generated")));
+}
+
+TEST(qv_study_summary, says_where_no_opening_could_be_generated) {
+  auto study = small_study();
+  study.generation = {true, 12, 1, {{"it is in the ground", 3}}};
+  const std::string text = qv::qv_study_summary(study);
+  EXPECT_THAT(text,
+              HasSubstr("  12 openings generated; 1 outer wall with openings of the file left "
+                        "as they are\n"
+                        "  None on 3 outer walls: it is in the ground\n"));
+  const auto parsed = json::parse(qv::qv_study_json(study))["generated_openings"];
+  EXPECT_EQ(parsed["made"], 12);
+  EXPECT_EQ(parsed["refused"][0]["reason"], "it is in the ground");
+}
+
+TEST(qv_study_summary, says_how_much_of_openings_was_cut_off) {
+  auto study = small_study();
+  study.ledger.opening_balance = {6.0, 5.0, 0.0, 0.25, 0.75, true};
+  study.ledger.fates.push_back({"Opening", "o1", "repaired", "cut", 3.75, 0.75});
+  const std::string text = qv::qv_study_summary(study);
+  EXPECT_THAT(text, HasSubstr("Openings: 6.00 m² in the file = 5.00 m² of openings + 0.75 m² cut "
+                              "off + 0.25 m² dropped"));
+  EXPECT_THAT(text, HasSubstr("1 Opening repaired (3.75 m², 0.75 m² of it cut off): cut"));
+}
+
+TEST(qv_study_csv, has_a_line_for_each_opening) {
+  EXPECT_EQ(qv::qv_openings_csv(small_study()),
+            "id,name,wall,opening_type,composition,glazing_area_m2,opaque_area_m2,frame_area_m2,"
+            "full_area_m2,u,solar_factor,visible_transmittance\r\n"
+            "o1,baie,w1,window,Double,3,0,0,3,1.5,0.6,\r\n"
+            "o2,,w1,door,,0,2,0,2,,,\r\n");
 }
 
 TEST(qv_study_summary, weights_u_by_area_and_says_how_much_is_unknown) {

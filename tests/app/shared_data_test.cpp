@@ -8,6 +8,7 @@
 #include "app/report/qv_study_json.h"
 #include "app/study/qv_study.h"
 #include "app/study/qv_study_gather.h"
+#include "bim/envelope/qvi_opening.h"
 #include "bim/envelope/qvi_wall.h"
 #include "bim/hierarchy/qvi_space.h"
 #include "bim/qv_load_bim_items.h"
@@ -62,6 +63,21 @@ bool meets_one_height(const qv::qvi_space& space, qv::qv_raytracer& rays) {
   return true;
 }
 
+// As the module measures them: what is left of a wall and its openings are its face.
+void expect_areas_of_pierced_walls(qv::qv_scene& scene) {
+  for (qv::qv_item* item : scene.get_items("wall")) {
+    auto& wall = static_cast<qv::qvi_wall&>(*item);
+    if (wall.get_openings().is_empty()) continue;
+    double openings = 0.0;
+    for (const qv::qvi_opening* opening : wall.get_openings()) {
+      openings += opening->get_full_area();
+      EXPECT_TRUE(std::isfinite(opening->get_U())) << opening->get_name();
+    }
+    const double face = wall.get_face_0()->get_area();
+    EXPECT_NEAR(wall.get_loss_area() + openings, face, 1e-5 * face) << wall.get_name();
+  }
+}
+
 TEST_P(shared_model, studies_with_a_balanced_ledger) {
   const auto model = qv::qv_read_gbxml(path());
   qv::qv_compute_model(model, {});
@@ -74,6 +90,8 @@ TEST_P(shared_model, studies_with_a_balanced_ledger) {
     EXPECT_TRUE(std::isfinite(space.volume) && space.volume >= 0.0f) << space.id;
     EXPECT_TRUE(space.building.has_value()) << space.id;
   }
+
+  expect_areas_of_pierced_walls(*model.scene);
 
   const auto explained = explained_spaces(GetParam());
   std::set<std::string> missed;
