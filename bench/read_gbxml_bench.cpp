@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/readers/qv_gbxml_reader.h"
+#include "tests/support/qv_test_paths.h"
 
 // Reading a model beside the bare XML parse of the same bytes, without taking either down again.
 // The project's samples, and real

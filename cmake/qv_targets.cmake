@@ -38,21 +38,33 @@ function(qv_library name)
   add_library(qv::${short_name} ALIAS ${name})
 endfunction()
 
+# Tests and benchmarks find files of the project by this header.
+configure_file(${PROJECT_SOURCE_DIR}/tests/support/qv_test_paths.h.in
+               ${PROJECT_BINARY_DIR}/generated/tests/support/qv_test_paths.h @ONLY)
+
 # qv_test(<name> SOURCES … LIBS …): a GoogleTest program; CTest knows each of its tests.
 function(qv_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
-  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/generated)
   target_link_libraries(${name} PRIVATE ${arg_LIBS} qv_flags GTest::gtest GTest::gmock GTest::gtest_main)
-  target_compile_definitions(${name} PRIVATE QV_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  if(QV_SANITIZE)
+    # What is tested is compiled with the preset's optimisation; the tests themselves, each of which
+    # runs for a moment, compile in half the time without.
+    target_compile_options(${name} PRIVATE -O0)
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600
     ENVIRONMENT "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/tsan.supp")
 endfunction()
 
-# qv_bench_program(<name> SOURCES … LIBS …): a Google Benchmark program.
+# qv_bench_program(<name> SOURCES … LIBS …): a Google Benchmark program, built by name only where
+# sanitizers would falsify what it measures.
 function(qv_bench_program name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
-  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/generated)
   target_link_libraries(${name} PRIVATE ${arg_LIBS} qv_flags benchmark::benchmark)
+  if(QV_SANITIZE)
+    set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
+  endif()
 endfunction()

@@ -83,7 +83,8 @@ build() {
   mkdir -p "$folder" || fail "cannot write in $root"
   if [[ ! -f "$folder/build.ninja" || "$root/CMakePresets.json" -nt "$folder/build.ninja" ]]; then
     say "configure: build/$preset"
-    quietly "$folder/configure.log" cmake -S "$root" --preset "$preset" ||
+    quietly "$folder/configure.log" cmake -S "$root" --preset "$preset" \
+        "-DQV_WARNINGS_AS_ERRORS=${QV_WARNINGS_AS_ERRORS:-OFF}" ||
       fail "the project cannot be configured" "whole output: build/$preset/configure.log"
   fi
   say "build: build/$preset"

@@ -9,6 +9,7 @@
 #include "app/commands/qv_progress.h"
 #include "tests/app/qv_program.h"
 #include "tests/app/qv_temporary_folder.h"
+#include "tests/support/qv_test_paths.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "bim/qv_load_bim_items.h"
+#include "tests/support/qv_test_paths.h"
 
 namespace fs = std::filesystem;
 

@@ -19,6 +19,7 @@
 #include "bim/hierarchy/qvi_space.h"
 #include "bim/project/qvi_bim_root.h"
 #include "core/shapes/qvi_polygon.h"
+#include "tests/support/qv_test_paths.h"
 
 namespace {
 

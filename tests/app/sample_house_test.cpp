@@ -7,6 +7,7 @@
 #include "bim/qv_load_bim_items.h"
 #include "tests/app/qv_markdown_table.h"
 #include "tests/app/qv_program.h"
+#include "tests/support/qv_test_paths.h"
 
 // The study of samples/house.xml beside what samples/house.md works out on paper.
 namespace {

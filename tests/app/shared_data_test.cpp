@@ -18,6 +18,7 @@
 #include "tests/app/qv_markdown_table.h"
 #include "tests/app/qv_program.h"
 #include "tests/app/qv_shared_models.h"
+#include "tests/support/qv_test_paths.h"
 
 // Models of other people's tools, which stand beside the project and not in it.
 namespace {

@@ -6,6 +6,7 @@
 
 #include "tests/app/qv_program.h"
 #include "tests/app/qv_temporary_folder.h"
+#include "tests/support/qv_test_paths.h"
 
 // The scripts that set up, build and check the project.
 namespace {

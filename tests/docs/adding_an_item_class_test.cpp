@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/qv_test_paths.h"
+
 namespace {
 
 std::string read(const std::string& path) {
