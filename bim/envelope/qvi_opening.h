@@ -12,6 +12,7 @@ namespace qv {
 
 class qvi_glazing;
 class qvi_opening_composition;
+class qvi_polygon;
 class qvi_wall;
 
 /// A window, a door, a curtain wall or a roof light in a wall. Item type "opening". Its geometry
@@ -92,7 +93,9 @@ class qvi_opening : public qv_item, public qv_solar_income {
   const std::vector<qvi_opening_part>& get_parts() const { return record_->parts; }
 
  private:
-  void compute_geometry_from_bim_object(const qv_polygon& outline);
+  /// The imported object that the opening was made from, or null.
+  const qv_item* get_imported_source() const;
+  void compute_geometry_from_bim_object(qvi_polygon& mesh_of_outline);
   void compute_geometry_from_meshes(const qv_list<qvi_mesh*>& meshes);
   qvi_opening_part& get_part_of(qvi_opening_shader* shader);
   void scale_parts_to_visible_areas();
@@ -108,7 +111,9 @@ class qvi_opening : public qv_item, public qv_solar_income {
     unsigned int physical_date = 0;  // 0 never
     unsigned int geometry_date = 0;  // 0 never
     std::vector<qvi_opening_part> parts;
-    qv_list<qvi_mesh*> meshes;  // that the geometry was computed from
+    // What the geometry was computed from; compared, never read.
+    qv_list<qvi_mesh*> meshes;
+    const qv_item* source = nullptr;  // the imported object, where its meshes counted
     float U = 0;
     float solar_factor = 0;
     float visible_transmittance = 0;

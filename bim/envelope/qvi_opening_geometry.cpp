@@ -33,33 +33,56 @@ bool is_transparent(const qvi_mesh& mesh) {
   return shader != nullptr && shader->get_diffuse_color().a < opaque_from_alpha;
 }
 
+/// Whether an imported object changed after `date`: what lies below it, or a colour that tells its
+/// panes from its panels.
+bool has_changed_since(const qv_item& object, unsigned int date) {
+  if (object.get_date() > date) return true;
+  const qv_list<qvi_mesh*> meshes = qv_collect<qvi_mesh>(&object, "mesh");
+  return std::any_of(meshes.begin(), meshes.end(), [date](const qvi_mesh* mesh) {
+    const qvi_shader* const shader = mesh->get_front_shader();
+    return shader != nullptr && shader->get_diffuse_color_date() > date;
+  });
+}
+
 }  // namespace
 
-void qvi_opening::compute_geometry() {
-  record& found = *record_;
-  if (get_date() <= found.geometry_date) return;
-  const qv_list<qvi_mesh*> meshes = qv_collect<qvi_mesh>(this, "mesh");
-
+const qv_item* qvi_opening::get_imported_source() const {
   const qv_item* const source = get_source();
-  if (source != nullptr && source->has_type("bim_object") && meshes.get_count() == 1 &&
-      meshes[0]->has_type("polygon")) {
-    qv_polygon outline;
-    static_cast<qvi_polygon*>(meshes[0])->fill_polygon(&outline);
-    compute_geometry_from_bim_object(outline);
-    return;
-  }
+  return source != nullptr && source->has_type("bim_object") ? source : nullptr;
+}
 
-  bool stale = get_normal_date() > found.geometry_date || !(meshes == found.meshes);
+void qvi_opening::compute_geometry() {
+  const record& found = *record_;
+  // The object lies elsewhere in the scene: its changes leave the opening's own date alone, and so
+  // does its coming and going.
+  const qv_item* const source = get_imported_source();
+  const bool source_changed =
+      source != found.source ||
+      (source != nullptr && has_changed_since(*source, found.geometry_date));
+  if (get_date() <= found.geometry_date && !source_changed) return;
+
+  const qv_list<qvi_mesh*> meshes = qv_collect<qvi_mesh>(this, "mesh");
+  const bool is_one_polygon = meshes.get_count() == 1 && meshes[0]->has_type("polygon");
+  const bool from_source = source != nullptr && is_one_polygon;
+  bool stale = get_normal_date() > found.geometry_date || !(meshes == found.meshes) ||
+               from_source != (found.source != nullptr) || (from_source && source_changed);
   for (const qvi_mesh* mesh : meshes) {
-    stale = stale || mesh->get_geometry_date() > found.geometry_date;
+    // A shader tells nothing about an outline.
+    const unsigned int date = from_source ? mesh->get_shape_date() : mesh->get_geometry_date();
+    stale = stale || date > found.geometry_date;
   }
-  if (stale) compute_geometry_from_meshes(meshes);
+  if (!stale) return;
+  if (from_source)
+    compute_geometry_from_bim_object(*static_cast<qvi_polygon*>(meshes[0]));
+  else
+    compute_geometry_from_meshes(meshes);
 }
 
 void qvi_opening::compute_geometry_from_meshes(const qv_list<qvi_mesh*>& meshes) {
   record& found = *record_;
   found.parts.clear();
   found.meshes = meshes;
+  found.source = nullptr;
   const qv_3dvector normal = get_normal();
   const qv_3dvector center = get_bounding_box().get_center();
 
@@ -130,12 +153,14 @@ void qvi_opening::scale_parts_to_visible_areas() {
   }
 }
 
-void qvi_opening::compute_geometry_from_bim_object(const qv_polygon& outline) {
+void qvi_opening::compute_geometry_from_bim_object(qvi_polygon& mesh_of_outline) {
   record& found = *record_;
-  const qv_item* const source = get_source();
-  if (found.geometry_date >= source->get_date()) return;
+  const qv_item* const source = get_imported_source();
+  qv_polygon outline;
+  mesh_of_outline.fill_polygon(&outline);
   found.parts.clear();
-  found.meshes.clear();
+  found.meshes = {&mesh_of_outline};
+  found.source = source;
   const qv_3dvector normal = get_normal();
   const qv_polygon plane(outline.get_point(), normal);
   found.full_face = found.opaque_face = found.glazing_face = plane;

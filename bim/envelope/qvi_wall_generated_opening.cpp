@@ -117,6 +117,7 @@ bool qvi_wall::create_opening(float ratio, bool notify) {
   std::optional<qv_silence> silence;
   if (!notify) silence.emplace(scene);
   for (qv_item* opening : openings) destroy(opening);
+  record_->openings.clear();  // the next precompute finds the new one
   if (ratio < smallest_ratio) {
     remove_piercing();
     precompute();
