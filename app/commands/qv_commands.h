@@ -24,6 +24,8 @@ using qv_command_action = std::function<int()>;
 void qv_add_study_command(CLI::App& program, qv_command_action& action);
 /// `info MODEL`
 void qv_add_info_command(CLI::App& program, qv_command_action& action);
+/// `glazing LAYERS`
+void qv_add_glazing_command(CLI::App& program, qv_command_action& action);
 /// `help [COMMAND]`
 void qv_add_help_command(CLI::App& program, qv_command_action& action);
 

@@ -75,12 +75,14 @@ int understand_and_run(int argument_count, const char* const* arguments) {
       "Examples:\n"
       "  qv study house.xml --out results\n"
       "  qv info house.xml\n"
+      "  qv glazing \"4 low-e / 16 argon / 4\"\n"
       "  qv help study\n\n"
       "Exit codes: 0 done, 1 fault of the program, 2 mistake in the command line,\n"
       "            3 mistake in the model, 4 a file cannot be read or written");
   qv_command_action action;
   qv_add_study_command(program, action);
   qv_add_info_command(program, action);
+  qv_add_glazing_command(program, action);
   qv_add_help_command(program, action);
   try {
     program.parse(argument_count, arguments);
