@@ -13,10 +13,12 @@ namespace qv::light {
 namespace {
 
 constexpr int most_step_samples = 1 << 22;
-/// Fewest samples of a step on each way over mirrors, a pair in each of two strata.
-constexpr int least_way_samples = 4;
-/// Of more ways than this as many are chosen anew for each step.
-constexpr int most_step_ways = 32;
+/// Fewest samples of a step on each way over mirrors.
+constexpr int least_way_samples = 2;
+/// Short ways over mirrors, up to this number, are followed at each step, and of the longer ones as
+/// many as the next number, chosen anew each time.
+constexpr double most_short_ways = 16;
+constexpr int long_way_choices = 4;
 
 /// Random numbers of one step.
 class step_random {
@@ -123,25 +125,6 @@ double square(double value) {
   return value * value;
 }
 
-/// Way numbers to be followed for a step, and how many ways each of them stands for.
-class way_choice {
- public:
-  explicit way_choice(double way_count)
-      : way_count_(way_count), all_(way_count <= most_step_ways) {}
-
-  bool are_all() const { return all_; }
-  int get_count() const { return all_ ? static_cast<int>(way_count_) : most_step_ways; }
-  std::int64_t get_way(int index, step_random& random) const {
-    if (all_) return index;
-    const double chosen = to_unit(static_cast<std::uint32_t>(random.dice() >> 32)) * way_count_;
-    return static_cast<std::int64_t>(chosen);
-  }
-
- private:
-  double way_count_;
-  bool all_;
-};
-
 pair_sums sample_way(const mirrors& over, const surface_sampler& surface, const qv_3dvector& normal,
                      const lit_step& step, std::int64_t way, int count, step_random random) {
   paired_points points(surface, count, random);
@@ -217,32 +200,39 @@ step_estimates estimate_mirrored_beam(const light_scene& scene, const surface_sa
   const mirrors over(scene, depth);
   if (effort.rays <= 0 || over.get_way_count() == 0) return found;
 
-  const way_choice ways(over.get_way_count());
+  const auto short_ways = static_cast<std::int64_t>(over.get_short_way_count(most_short_ways));
+  const double long_ways = over.get_way_count() - static_cast<double>(short_ways);
   const int samples = get_step_samples(effort.rays / 4.0, lit.size(), least_way_samples);
   for (std::size_t i = 0; i < lit.size(); ++i) {
     step_random choice(effort.seed, lit[i].step, 0);
-    double sum = 0, squares = 0, variances = 0;
-    for (int k = 0; k < ways.get_count(); ++k) {
-      const std::int64_t way = ways.get_way(k, choice);
-      if (!over.is_possible(normal, lit[i].direction, way)) continue;
-      const pair_sums sampled = sample_way(over, surface, normal, lit[i], way, samples,
-                                           step_random(effort.seed, lit[i].step, k + 1));
+    int block = 0;
+    const auto sample = [&](std::int64_t way) {
+      ++block;
+      if (!over.is_possible(normal, lit[i].direction, way)) return pair_sums{0, 0, samples};
       found.samples += samples;
-      sum += sampled.get_mean();
-      squares += square(sampled.get_mean());
-      variances += sampled.get_variance();
+      return sample_way(over, surface, normal, lit[i], way, samples,
+                        step_random(effort.seed, lit[i].step, block));
+    };
+    for (std::int64_t way = 0; way < short_ways; ++way) {
+      const pair_sums sampled = sample(way);
+      found.means[i] += sampled.get_mean();
+      found.variances[i] += sampled.get_variance();
     }
-    if (!ways.are_all()) {
-      // The mean over chosen ways stands for all of them; the spread between them holds that of
-      // their samples.
-      const double count = ways.get_count();
-      const double mean = sum / count;
-      variances = square(over.get_way_count()) * (squares / count - square(mean)) / (count - 1);
-      sum = over.get_way_count() * mean;
+    if (long_ways > 0) {
+      // The mean over those chosen stands for all; the spread between them holds that of samples.
+      double sum = 0, squares = 0;
+      for (int k = 0; k < long_way_choices; ++k) {
+        const double chosen = to_unit(static_cast<std::uint32_t>(choice.dice() >> 32)) * long_ways;
+        const double light = sample(short_ways + static_cast<std::int64_t>(chosen)).get_mean();
+        sum += light;
+        squares += square(light);
+      }
+      const double mean = sum / long_way_choices;
+      const double spread = std::max(0.0, squares / long_way_choices - square(mean));
+      found.means[i] += long_ways * mean;
+      found.variances[i] += square(long_ways) * spread / (long_way_choices - 1);
     }
-    found.means[i] = sum;
-    found.variances[i] = variances;
-    found.sum_variance += square(lit[i].irradiation) * variances;
+    found.sum_variance += square(lit[i].irradiation) * found.variances[i];
   }
   return found;
 }

@@ -41,7 +41,7 @@ step_estimates estimate_beam(const light_scene& scene, const surface_sampler& su
                              bool all_free);
 
 /// The sun's beam by way of mirrors, up to `depth` of them, with a quarter of the effort for each
-/// way.
+/// way. Short ways are all followed, of long ones a few chosen at random for each step.
 step_estimates estimate_mirrored_beam(const light_scene& scene, const surface_sampler& surface,
                                       const qv_3dvector& normal, const sampling_effort& effort,
                                       int depth);

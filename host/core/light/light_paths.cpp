@@ -46,10 +46,8 @@ qv_3dvector get_cosine_direction(const qv_3dvector& normal, const qv_3dvector& f
                                  const qv_3dvector& second, float u, float v) {
   const float radius = std::sqrt(u);
   const float turn = 2 * std::numbers::pi_v<float> * v;
-  const qv_3dvector direction = first * (radius * std::cos(turn)) +
-                                second * (radius * std::sin(turn)) +
-                                normal * std::sqrt(std::max(0.0f, 1 - u));
-  return direction.normalized();
+  return first * (radius * std::cos(turn)) + second * (radius * std::sin(turn)) +
+         normal * std::sqrt(std::max(0.0f, 1 - u));
 }
 
 }  // namespace
@@ -96,6 +94,7 @@ void light_paths::follow(int set, std::uint32_t index) {
   float weight = 1;
   int scatterings = 0;
   for (int surfaces = 0; surfaces < most_surfaces; ++surfaces) {
+    ++path_rays_;
     if (!scene_.tracer->raytrace(ray)) {
       if (ray.direction.z > 0) {
         auto& sky = scatterings == 0 ? direct_sky_ : reflected_sky_;
@@ -175,6 +174,7 @@ void light_paths::gather_sun(const vertex& at, int set, float jitter) {
     ++packet.count;
   }
   if (packet.count == 0) return;
+  sun_rays_ += packet.count;
   scene_.tracer->find_light(packet, scene_.get_transmission(), false);
   for (int i = 0; i < packet.count; ++i) {
     const auto place = static_cast<std::size_t>(nodes[i]) * set_count;

@@ -38,6 +38,9 @@ class light_paths {
 
   /// Number of paths.
   double get_path_count() const { return static_cast<double>(set_count) * paths_per_set_; }
+  /// Numbers of rays that looked for the nearest surface, and for the sun.
+  double get_path_rays() const { return path_rays_; }
+  double get_sun_rays() const { return sun_rays_; }
   /// Sky without, and after, reflexions and transmissions: by set, per W/m² of diffuse horizontal
   /// irradiation.
   set_values get_direct_sky() const { return divide(direct_sky_); }
@@ -76,6 +79,8 @@ class light_paths {
   int fineness_ = 0;
   mirrors mirrors_;
   int paths_per_set_ = 0;
+  double path_rays_ = 0;
+  double sun_rays_ = 0;
   set_values direct_sky_{};
   set_values reflected_sky_{};
   std::vector<facing> facings_;

@@ -23,6 +23,13 @@ mirrors::mirrors(const light_scene& scene, int depth) : scene_(scene) {
   }
 }
 
+double mirrors::get_short_way_count(double most) const {
+  double count = 0;
+  for (double up_to : ways_up_to_)
+    if (up_to <= most) count = up_to;
+  return count;
+}
+
 bool mirrors::plan_route(const qv_3dvector& normal, const qv_3dvector& sun, std::int64_t way,
                          route& found) const {
   std::size_t length = 1;

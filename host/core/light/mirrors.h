@@ -20,6 +20,10 @@ class mirrors {
   /// Sequences so long that there would be more than 10¹² are left out.
   double get_way_count() const { return way_count_; }
 
+  /// Of these the first ones, which are the shortest: as many as there are up to some length, and
+  /// `most` or fewer.
+  double get_short_way_count(double most) const;
+
   /// Share of the sun's beam, from `sun`, that comes to `point` over way number `way`, and the unit
   /// direction in which it is then seen. 0 when the way is impossible or interrupted, or when the
   /// light would come from behind the plane through the point with normal `normal`.

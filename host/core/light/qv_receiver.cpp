@@ -75,6 +75,7 @@ void qv_receiver::clear_results() {
   direct_diffuse_ = indirect_diffuse_ = diffuse_sigma_ = 0;
   sum_variance_ = sum_sigma_ = 0;
   direct_samples_ = diffuse_samples_ = 0;
+  path_rays_ = reflected_sun_rays_ = 0;
 }
 
 void qv_receiver::compute(int seed) {
@@ -154,6 +155,8 @@ void qv_receiver::compute_sky(const work& with) {
   indirect_diffuse_ = static_cast<float>(with.scale * set_mean(reflected).mean);
   diffuse_sigma_ = static_cast<float>(with.scale * to_sigma(set_mean(both).variance));
   diffuse_samples_ = static_cast<float>(paths.get_path_count());
+  path_rays_ = paths.get_path_rays();
+  reflected_sun_rays_ = paths.get_sun_rays();
   sum_variance_ += with.scale * with.scale * set_mean(paths.get_sums()).variance;
 
   if (with.depth == 0) return;

@@ -106,6 +106,10 @@ class qv_receiver {
   /// free without tracing count too.
   float get_direct_samples() const { return direct_samples_; }
   float get_diffuse_samples() const { return diffuse_samples_; }
+  /// What was traced, for measuring: rays along paths, and rays from these towards the sun. (Rays
+  /// straight towards the sun are the direct samples.)
+  double get_path_rays() const { return path_rays_; }
+  double get_reflected_sun_rays() const { return reflected_sun_rays_; }
 
  private:
   struct work;
@@ -147,6 +151,8 @@ class qv_receiver {
   double sum_variance_ = 0;
   float direct_samples_ = 0;
   float diffuse_samples_ = 0;
+  double path_rays_ = 0;
+  double reflected_sun_rays_ = 0;
 };
 
 }  // namespace qv

@@ -38,8 +38,6 @@ constexpr direction_table make_directions() {
   return table;
 }
 
-constexpr direction_table directions = make_directions();
-
 constexpr std::uint32_t reverse_bits(std::uint32_t x) {
   x = ((x >> 1) & 0x55555555u) | ((x & 0x55555555u) << 1);
   x = ((x >> 2) & 0x33333333u) | ((x & 0x33333333u) << 2);
@@ -48,9 +46,34 @@ constexpr std::uint32_t reverse_bits(std::uint32_t x) {
   return (x >> 16) | (x << 16);
 }
 
-/// Each bit is turned over or not by a hash of the bits above it.
-constexpr std::uint32_t scramble(std::uint32_t x, std::uint32_t seed) {
-  x = reverse_bits(x);
+/// The four coordinates, their bits in reverse order, for each value of each byte of an index.
+struct byte_table {
+  std::uint32_t bits[4][256][dimension_count] = {};
+};
+
+constexpr byte_table make_byte_table() {
+  const direction_table directions = make_directions();
+  byte_table table;
+  for (int byte = 0; byte < 4; ++byte) {
+    for (int value = 1; value < 256; ++value) {
+      // One more bit than a smaller value.
+      int lowest = 0;
+      while (((value >> lowest) & 1) == 0) ++lowest;
+      const int rest = value & (value - 1);
+      for (int d = 0; d < dimension_count; ++d) {
+        table.bits[byte][value][d] =
+            table.bits[byte][rest][d] ^ reverse_bits(directions[static_cast<std::size_t>(
+                                            d)][static_cast<std::size_t>(8 * byte + lowest)]);
+      }
+    }
+  }
+  return table;
+}
+
+constexpr byte_table bytes = make_byte_table();
+
+/// Each bit is turned over or not by a hash of the bits above it, which here come before it.
+constexpr std::uint32_t scramble_reversed(std::uint32_t x, std::uint32_t seed) {
   x ^= x * 0x3d20adeau;
   x += seed;
   x *= (seed >> 16) | 1u;
@@ -62,20 +85,18 @@ constexpr std::uint32_t scramble(std::uint32_t x, std::uint32_t seed) {
 }  // namespace
 
 std::array<float, 4> get_sequence_point(std::uint32_t index, std::uint32_t seed) {
-  std::array<std::uint32_t, dimension_count> bits{};
-  for (int i = 0; index != 0; ++i, index >>= 1) {
-    if ((index & 1u) == 0) continue;
-    for (std::size_t d = 0; d < dimension_count; ++d)
-      bits[d] ^= directions[d][static_cast<std::size_t>(i)];
-  }
   std::array<float, 4> point{};
-  for (std::uint32_t d = 0; d < dimension_count; ++d)
-    point[d] = to_unit(scramble(bits[d], combine_seeds(seed, d)));
+  for (std::uint32_t d = 0; d < dimension_count; ++d) {
+    const std::uint32_t bits =
+        bytes.bits[0][index & 255u][d] ^ bytes.bits[1][(index >> 8) & 255u][d] ^
+        bytes.bits[2][(index >> 16) & 255u][d] ^ bytes.bits[3][index >> 24][d];
+    point[d] = to_unit(scramble_reversed(bits, combine_seeds(seed, d)));
+  }
   return point;
 }
 
 std::array<float, 4> get_shuffled_sequence_point(std::uint32_t index, std::uint32_t seed) {
-  return get_sequence_point(scramble(index, mix_bits(seed)), seed);
+  return get_sequence_point(scramble_reversed(reverse_bits(index), mix_bits(seed)), seed);
 }
 
 }  // namespace qv::light

@@ -12,6 +12,10 @@ namespace {
 
 /// Halving a triangle more often leaves nothing that single precision tells apart.
 constexpr int most_halvings = 40;
+/// Strata of 1 / 2^this and larger need no halving of their own.
+constexpr int table_fineness = 5;
+/// Pieces of more complex regions than this are left as they are.
+constexpr std::size_t most_pieces = 4096;
 
 struct triangle {
   qv_3dvector apex, from, to;
@@ -45,45 +49,92 @@ surface_sampler::surface_sampler(const qv_polygon& polygon, const qv_3dvector& l
   double begin = 0;
   for (const triangle& t : triangles) {
     const double share = t.area / area_;
-    pieces_.push_back({t.apex, t.from, t.to, begin, share,
-                       std::max(0, static_cast<int>(std::floor(-std::log2(share))))});
+    pieces_.push_back(make_piece(t.apex, t.from - t.apex, t.to - t.apex, begin, share));
     begin += share;
+  }
+  refine();
+  index_pieces();
+}
+
+surface_sampler::piece surface_sampler::make_piece(const qv_3dvector& apex, const qv_3dvector& from,
+                                                   const qv_3dvector& to, double begin,
+                                                   double share) {
+  return {apex,
+          from,
+          to,
+          begin,
+          share,
+          1 / share,
+          std::max(0, static_cast<int>(std::floor(-std::log2(share))))};
+}
+
+/// Halves pieces until none is larger than half a stratum of the table's fineness.
+void surface_sampler::refine() {
+  bool changed = true;
+  while (changed && 2 * pieces_.size() <= most_pieces) {
+    changed = false;
+    std::vector<piece> finer;
+    for (const piece& p : pieces_) {
+      if (p.coarseness > table_fineness) {
+        finer.push_back(p);
+        continue;
+      }
+      changed = true;
+      const qv_3dvector middle = (p.from + p.to) * 0.5f;
+      const qv_3dvector apex = p.apex + middle;
+      finer.push_back(make_piece(apex, p.from - middle, -middle, p.begin, p.share / 2));
+      finer.push_back(make_piece(apex, -middle, p.to - middle, p.begin + p.share / 2, p.share / 2));
+    }
+    pieces_.swap(finer);
+  }
+}
+
+void surface_sampler::index_pieces() {
+  int next = 0;
+  const auto last = static_cast<int>(pieces_.size()) - 1;
+  first_.resize(2 * pieces_.size());
+  for (std::size_t i = 0; i < first_.size(); ++i) {
+    const double position = static_cast<double>(i) / static_cast<double>(first_.size());
+    while (next < last && pieces_[static_cast<std::size_t>(next) + 1].begin <= position) ++next;
+    first_[i] = next;
   }
 }
 
 qv_3dvector surface_sampler::get_lowest(const qv_3dvector& direction) const {
   qv_3dvector lowest = pieces_.front().apex;
   for (const piece& p : pieces_)
-    for (const qv_3dvector* corner : {&p.apex, &p.from, &p.to})
-      if (corner->dot(direction) < lowest.dot(direction)) lowest = *corner;
+    for (const qv_3dvector& corner : {p.apex, p.apex + p.from, p.apex + p.to})
+      if (corner.dot(direction) < lowest.dot(direction)) lowest = corner;
   return lowest;
 }
 
 qv_3dvector surface_sampler::get_point(double position, float across, int fineness) const {
-  const auto after = std::upper_bound(pieces_.begin() + 1, pieces_.end(), position,
-                                      [](double value, const piece& p) { return value < p.begin; });
-  const piece& p = *(after - 1);
-  double rest = std::clamp((position - p.begin) / p.share, 0.0, 1.0);
+  const auto part = static_cast<std::size_t>(position * static_cast<double>(first_.size()));
+  auto index = static_cast<std::size_t>(first_[std::min(part, first_.size() - 1)]);
+  while (index + 1 < pieces_.size() && pieces_[index + 1].begin <= position) ++index;
+  const piece& p = pieces_[index];
+  double rest = std::clamp((position - p.begin) * p.inverse, 0.0, 1.0);
   qv_3dvector apex = p.apex, from = p.from, to = p.to;
   const int halvings = std::min(fineness + 1 - p.coarseness, most_halvings);
   for (int i = 0; i < halvings; ++i) {
     const qv_3dvector middle = (from + to) * 0.5f;
     rest *= 2;
     if (rest < 1) {
-      to = apex;
+      from = from - middle;
+      to = -middle;
     } else {
-      from = apex;
+      from = -middle;
+      to = to - middle;
       rest -= 1;
     }
-    apex = middle;
+    apex += middle;
   }
   // The half of the parallelogram beyond the triangle is turned back onto it.
   auto along = static_cast<float>(rest);
-  if (along + across > 1) {
-    along = 1 - along;
-    across = 1 - across;
-  }
-  return apex + (from - apex) * along + (to - apex) * across;
+  const bool beyond = along + across > 1;
+  along = beyond ? 1 - along : along;
+  across = beyond ? 1 - across : across;
+  return apex + from * along + to * across;
 }
 
 }  // namespace qv::light

@@ -15,7 +15,8 @@ namespace qv::light {
 /// neighbours in the region: stratifying the row stratifies the area.
 ///
 /// The row goes through the region's triangles one after the other, and through each as a
-/// space-filling curve does: first through one half of the triangle, then the other, and so on.
+/// space-filling curve does: first through one half of the triangle, then the other, and so on. The
+/// first halvings are made beforehand, since most strata need no more.
 class surface_sampler {
  public:
   /// The points lie on `polygon`'s region moved by `lift`.
@@ -33,13 +34,21 @@ class surface_sampler {
   qv_3dvector get_point(double position, float across, int fineness) const;
 
  private:
+  /// A triangle, the longest side of which runs from apex + `from` to apex + `to`.
   struct piece {
-    qv_3dvector apex, from, to;  // the longest side runs from `from` to `to`
-    double begin;                // of its part of the row
-    double share;                // length of its part of the row
-    int coarseness;              // share < 2^−coarseness
+    qv_3dvector apex, from, to;
+    double begin;    // of its part of the row
+    double share;    // length of its part of the row
+    double inverse;  // of that length
+    int coarseness;  // share ≤ 2^−coarseness
   };
-  std::vector<piece> pieces_;
+  static piece make_piece(const qv_3dvector& apex, const qv_3dvector& from, const qv_3dvector& to,
+                          double begin, double share);
+  void refine();
+  void index_pieces();
+
+  std::vector<piece> pieces_;  // along the row
+  std::vector<int> first_;     // piece in which each of equal parts of the row begins
   double area_ = 0;
 };
 
