@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "bim/envelope/qvi_opening.h"
 #include "bim/materials/qvi_opening_shader.h"
@@ -43,6 +45,31 @@ bool has_changed_since(const qv_item& object, unsigned int date) {
     return shader != nullptr && shader->get_diffuse_color_date() > date;
   });
 }
+
+/// Gathers pieces in one plane and unites them two by two, then the pairs, and so on: a piece is
+/// overlaid as often as the number of pieces can be halved, where uniting one after the other would
+/// overlay all that came before with each of them.
+class piece_union {
+ public:
+  explicit piece_union(const qv_polygon& plane) : plane_(plane) {}
+
+  /// Projected onto the plane.
+  void add(const qv_polygon& piece) { pieces_.emplace_back(plane_).unites(piece); }
+  /// The union; the bare plane without pieces.
+  qv_polygon take() {
+    for (std::size_t step = 1; step < pieces_.size(); step *= 2) {
+      for (std::size_t i = 0; i + step < pieces_.size(); i += 2 * step) {
+        pieces_[i].unites(pieces_[i + step]);
+        pieces_[i + step].clear();
+      }
+    }
+    return pieces_.empty() ? plane_ : std::move(pieces_.front());
+  }
+
+ private:
+  const qv_polygon& plane_;
+  std::vector<qv_polygon> pieces_;
+};
 
 }  // namespace
 
@@ -99,13 +126,14 @@ void qvi_opening::compute_geometry_from_meshes(const qv_list<qvi_mesh*>& meshes)
   const qv_polygon plane(center + normal * (outermost - center.dot(normal)), normal);
   found.glazing_face = found.opaque_face = found.frame_face = found.full_face = plane;
   for (qvi_opening_part& part : found.parts) {
-    part.polygon = plane;
+    piece_union pieces(plane);
     for (qvi_mesh* mesh : part.meshes) {
       if (!mesh->has_type("polygon")) continue;
       qv_polygon piece;
       static_cast<qvi_polygon*>(mesh)->fill_polygon(&piece);
-      part.polygon.unites(piece);
+      pieces.add(piece);
     }
+    part.polygon = pieces.take();
     part.area = part.polygon.get_area();
     qv_polygon& face_of_kind =
         part.part_kind == qvi_opening_part::kind::glazing  ? found.glazing_face
@@ -163,16 +191,20 @@ void qvi_opening::compute_geometry_from_bim_object(qvi_polygon& mesh_of_outline)
   found.source = source;
   const qv_3dvector normal = get_normal();
   const qv_polygon plane(outline.get_point(), normal);
-  found.full_face = found.opaque_face = found.glazing_face = plane;
+  found.full_face = plane;
   found.frame_face.clear();
 
+  piece_union panes(plane);
+  piece_union panels(plane);
   for (qvi_mesh* mesh : qv_collect<qvi_mesh>(source, "mesh")) {
-    qv_polygon& face = is_transparent(*mesh) ? found.glazing_face : found.opaque_face;
+    piece_union& pieces = is_transparent(*mesh) ? panes : panels;
     for (qv_polygon* raw : mesh->build_raw_polygons()) {
       const std::unique_ptr<qv_polygon> owned(raw);
-      if (std::fabs(raw->get_normal().dot(normal)) > reveal_cosine) face.unites(*raw);
+      if (std::fabs(raw->get_normal().dot(normal)) > reveal_cosine) pieces.add(*raw);
     }
   }
+  found.glazing_face = panes.take();
+  found.opaque_face = panels.take();
   found.glazing_face.substracts(found.opaque_face);
   found.glazing_face.intersects(outline);
   found.opaque_face.intersects(outline);
