@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -96,11 +97,17 @@ qv_read_polygon qv_read_surface_polygon(qv_gbxml_context& context, qv_xml_elemen
   const qv_xml_element loop = planar.get_child("PolyLoop");
   const double factor = context.get_unit(planar, qv_quantity::length).factor;
   result.fault = qv_read_poly_loop(loop, factor, result.points);
-  int further = 0;
-  for (qv_xml_element next = loop.get_next(); next; next = next.get_next())
-    if (next.is("PolyLoop")) ++further;
-  if (further > 0)
-    result.repair = "only the first of its " + std::to_string(further + 1) + " loops was read";
+  if (!result.fault.empty()) return result;
+  for (qv_xml_element next = loop.get_next(); next; next = next.get_next()) {
+    if (!next.is("PolyLoop")) continue;
+    qv_loop points;
+    const std::string fault = qv_read_poly_loop(next, factor, points);
+    if (fault.empty()) {
+      result.further.push_back(std::move(points));
+    } else {
+      result.repair = "a further loop was left out: " + fault;
+    }
+  }
   return result;
 }
 

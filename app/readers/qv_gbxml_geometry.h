@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "app/readers/qv_gbxml_context.h"
 #include "app/readers/qv_source_polygon.h"
@@ -14,6 +15,8 @@ std::string qv_read_poly_loop(qv_xml_element poly_loop, double factor, qv_loop& 
 /// Where the polygon of a Surface or Opening came from.
 struct qv_read_polygon {
   qv_loop points;
+  /// Of further PolyLoops beside the first one, those that could be read.
+  std::vector<qv_loop> further;
   /// Why there are no usable points; empty when there are.
   std::string fault;
   /// What was done beyond reading one PolyLoop; empty for the plain case.

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "app/readers/qv_further_loops.h"
 #include "app/readers/qv_gbxml_geometry.h"
 #include "app/readers/qv_gbxml_opening_rectangle.h"
 #include "app/readers/qv_opening_cutter.h"
@@ -79,21 +80,33 @@ double perimeter(const std::vector<qv_plane_part>& parts) {
   return sum;
 }
 
-bool do_boxes_touch(const qv_plane_part& a, const qv_plane_part& b) {
-  const auto reach = [](const qv_plane_part& part, double qv_double3::*axis) {
-    const qv_loop& contour = part.contours[0];
-    const auto [low, high] = std::minmax_element(
-        contour.begin(), contour.end(),
-        [axis](const qv_double3& p, const qv_double3& q) { return p.*axis < q.*axis; });
-    return std::pair((*low).*axis, (*high).*axis);
-  };
-  for (double qv_double3::*const axis : {&qv_double3::x, &qv_double3::y, &qv_double3::z}) {
-    const auto [low_a, high_a] = reach(a, axis);
-    const auto [low_b, high_b] = reach(b, axis);
-    constexpr double slack = qv::qv_gbxml_openings::largest_distance;
-    if (low_a > high_b + slack || low_b > high_a + slack) return false;
+// Middle and diagonal of the part's box.
+struct part_box {
+  explicit part_box(const qv_plane_part& part) {
+    const qv_double3 first = part.contours[0][0];
+    qv_double3 low = first;
+    qv_double3 high = first;
+    for (const qv_double3& p : part.contours[0]) {
+      low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+      high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+    }
+    middle = (low + high) * 0.5;
+    diagonal = (high - low).length();
   }
-  return true;
+  qv_double3 middle;
+  double diagonal = 0;
+};
+
+// Whether it is worth comparing the regions: two that share nine tenths have their middles close
+// together, apart from the reveal between their planes.
+bool may_be_same(const qv_plane_part& a, const qv_plane_part& b) {
+  const part_box box_a(a);
+  const part_box box_b(b);
+  const qv_double3 way = box_b.middle - box_a.middle;
+  const double across = way.dot(a.normal);
+  if (std::abs(across) > qv::qv_gbxml_openings::largest_distance) return false;
+  constexpr double farthest_share = 0.25;
+  return (way - a.normal * across).length() <= farthest_share * box_a.diagonal;
 }
 
 }  // namespace
@@ -158,8 +171,13 @@ void qv_gbxml_openings::read_polygon(qv_xml_element element, opening& o) {
   if (!raw.repair.empty()) ledger.amend(o.entry, outcome::repaired, raw.repair);
   if (!raw.fault.empty()) return drop(o, raw.fault);
   const double* origin = context_.get_model().origin;
-  for (qv_double3& p : raw.points) p = p - qv_double3{origin[0], origin[1], origin[2]};
+  const auto move = [origin](qv_loop& loop) {
+    for (qv_double3& p : loop) p = p - qv_double3{origin[0], origin[1], origin[2]};
+  };
+  move(raw.points);
   qv_source_polygon polygon = qv_clean_polygon(std::move(raw.points));
+  for (qv_loop& loop : raw.further) move(loop);
+  qv_add_further_loops(polygon, raw.further, {});
   for (const std::string& repair : polygon.repairs)
     ledger.amend(o.entry, outcome::repaired, repair);
   o.area = polygon.area;
@@ -217,7 +235,7 @@ void qv_gbxml_openings::merge_same(std::vector<std::size_t>& numbers) {
     const auto said_by = std::find_if(kept.begin(), kept.end(), [&](std::size_t candidate) {
       const opening& earlier = openings_[candidate];
       return earlier.parts.size() == 1 && later.parts.size() == 1 &&
-             do_boxes_touch(earlier.parts[0], later.parts[0]) &&
+             may_be_same(earlier.parts[0], later.parts[0]) &&
              distance_from(later.parts[0], earlier.parts[0]) <= largest_distance &&
              qv_is_same_opening(to_polygon(earlier.parts[0]),
                                 project(later.parts[0], earlier.parts[0]));

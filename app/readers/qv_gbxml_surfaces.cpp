@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "app/readers/qv_further_loops.h"
 #include "app/readers/qv_gbxml_geometry.h"
 
 namespace {
@@ -105,6 +106,8 @@ void qv_gbxml_surfaces::read_surface(const qv_gbxml_site::surface_place& place) 
   qv_read_polygon raw = qv_read_surface_polygon(context_, place.element);
   if (raw.fault.empty()) {
     surface.polygon = qv_clean_polygon(std::move(raw.points));
+    if (!raw.further.empty())
+      qv_add_further_loops(surface.polygon, raw.further, read_outlines(place.element));
   } else {
     surface.polygon.fault = std::move(raw.fault);
   }
@@ -115,6 +118,13 @@ void qv_gbxml_surfaces::read_surface(const qv_gbxml_site::surface_place& place) 
   if (surface.polygon.parts.empty())
     ledger.amend(surface.entry, outcome::dropped, surface.polygon.fault);
   surfaces_.push_back(std::move(surface));
+}
+
+std::vector<qv_loop> qv_gbxml_surfaces::read_outlines(qv_xml_element surface) {
+  std::vector<qv_loop> outlines;
+  for (const qv_xml_element child : surface)
+    if (child.is("Opening")) outlines.push_back(qv_read_surface_polygon(context_, child).points);
+  return outlines;
 }
 
 void qv_gbxml_surfaces::read_adjacency(qv_gbxml_surface& surface) {

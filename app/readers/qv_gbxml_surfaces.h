@@ -66,6 +66,7 @@ class qv_gbxml_surfaces {
 
  private:
   void read_surface(const qv_gbxml_site::surface_place& place);
+  std::vector<qv_loop> read_outlines(qv_xml_element surface);
   void read_adjacency(qv_gbxml_surface& surface);
   void read_construction(qv_gbxml_surface& surface);
   void number_corners();

@@ -32,7 +32,7 @@ inline constexpr std::size_t largest_point_count = 10000;
 }  // namespace polygon_limits
 
 /// A plane piece of a surface: its contours lie in one plane, the first runs counter-clockwise
-/// about the normal; more than one only where a self-crossing polygon fell apart.
+/// about the normal; more than one only where a polygon crosses itself or has holes.
 struct qv_plane_part {
   std::vector<qv_loop> contours;
   qv_double3 normal;  // unit length

@@ -6,6 +6,7 @@
 
 #include "bim/envelope/qvi_opening.h"
 #include "bim/envelope/qvi_wall.h"
+#include "bim/hierarchy/qvi_campus.h"
 #include "core/shapes/qvi_polygon.h"
 #include "tests/app/qv_gbxml_text.h"
 
@@ -301,6 +302,20 @@ TEST(qv_gbxml_openings, on_a_surface_cut_into_triangles_it_becomes_several) {
   EXPECT_NEAR(area_of(openings_of(model)[0]) + area_of(openings_of(model)[1]), 4, 0.02);
   EXPECT_EQ(entry_of(model, "o").result, outcome::repaired);
   EXPECT_TRUE(model.ledger.get_opening_balance().is_balanced());
+}
+
+TEST(qv_gbxml_openings, they_move_with_their_campus) {
+  const auto model = read_wall(opening("o", pane(1, 2, 1, 2)));
+  model.scene->precompute();
+  qv::qv_collect<qv::qvi_campus>(model.root, "campus")[0]->transform({10, 0, 0}, 90);
+  model.scene->precompute();
+  const qv::qvi_opening* item = openings_of(model)[0];
+  EXPECT_NEAR(item->get_normal().y, 1, 1e-6);
+  EXPECT_NEAR(item->get_full_area(), 1, 1e-5);
+  EXPECT_NEAR(wall_of(model)->get_loss_area(), 11, 1e-5);
+  for (const qv::qv_3dvector& corner :
+       qv::qv_collect<qv::qvi_polygon>(item, "polygon")[0]->get_vertices())
+    EXPECT_NEAR(corner.y, 0, 1e-5);
 }
 
 TEST(qv_gbxml_openings, in_a_shade_they_let_the_light_through) {

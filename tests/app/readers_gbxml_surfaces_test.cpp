@@ -270,7 +270,7 @@ TEST(qv_gbxml_surfaces, notes_unknown_types_units_and_further_loops) {
           .read();
   EXPECT_EQ(entry_of(model, "w").result, outcome::repaired);
   EXPECT_EQ(entry_of(model, "w").reason,
-            "surfaceType \"Shad\" is none; read as Shade; only the first of its 2 loops was read");
+            "surfaceType \"Shad\" is none; read as Shade; a loop was said twice");
   EXPECT_EQ(entry_of(model, "v").result, outcome::repaired);
   ASSERT_EQ(model.warnings.size(), 1U);
   EXPECT_NE(model.warnings[0].find("the unit \"UnitID\" of a PlanarGeometry is not known"),
