@@ -90,9 +90,19 @@ std::string openings_part(const std::vector<qv_study_opening>& openings) {
   }
   table.add_rule();
   table.add_row(cells("all openings", "", all));
-  return table.text() +
-         "  Means by area over the openings of which the figure is known. U of glazing with, of\n"
-         "  panels without surface resistances.\n";
+  std::string text =
+      table.text() +
+      "  Means by area over the openings of which the figure is known. U of glazing with, of\n"
+      "  panels without surface resistances.\n";
+  const double unknown_area = all.area - all.u.area;
+  const auto unknown_count = static_cast<std::size_t>(
+      std::count_if(openings.begin(), openings.end(),
+                    [](const auto& opening) { return !opening.u.has_value(); }));
+  if (unknown_count > 0) {
+    text += fmt::format("  The U of {}, {:.2f} m², is not known.\n",
+                        qv_plural(unknown_count, "opening", "openings"), unknown_area);
+  }
+  return text;
 }
 
 std::string facades_part(const std::vector<qv_study_facade>& facades) {

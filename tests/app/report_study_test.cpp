@@ -193,6 +193,7 @@ TEST(qv_study_summary, lists_openings_by_type_and_by_what_they_look_to) {
   EXPECT_THAT(text, testing::ContainsRegex("east +1 +17\\.00 +2 +5\\.00 +3\\.00 +17\\.6 %"));
   EXPECT_THAT(text, testing::ContainsRegex("north +0 +0\\.00 +0 +0\\.00 +0\\.00 +–"));
   EXPECT_THAT(text, HasSubstr("With the openings in them, 5.00 m², the loss area is 37.50 m²."));
+  EXPECT_THAT(text, HasSubstr("  The U of 1 opening, 2.00 m², is not known.\n"));
   EXPECT_THAT(text, Not(HasSubstr("generated")));
 }
 
