@@ -50,7 +50,8 @@ class qvi_connexion : public qv_item {
   /// "contour_vertices": the one parameter whose accessors bear another name.
   QV_PARAM_ACCESSORS((qv_list<qv_3dvector>), wall_directions)
  private:
-  qv_param* wall_directions_param_ = qv_declare_list<qv_3dvector>(this, "contour_vertices");
+  std::uint8_t wall_directions_param_ =
+      qv_declare_empty<qv_list<qv_3dvector>>(this, [] { return "contour_vertices"; });
 
  public:
   /// Linear thermal transmittance ψ, W/(m·K).

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cassert>
+#include <cstdint>
+#include <limits>
 #include <new>
 
 #include "core/items/qv_item.h"
@@ -19,8 +22,8 @@
 // and its source has one line, QV_ITEM_CLASS_IMPLEMENTATION(qvi_matter), beside its own logic.
 //
 // Each parameter line declares the parameter with its default when an item is constructed (in the
-// order of the lines, after the class's type is installed), keeps its handle, and gives get_X,
-// get_X_date and set_X. A copy made by the copy constructor takes the handles as they stand.
+// order of the lines, after the class's type is installed), keeps its index as X_param_, and gives
+// get_X, get_X_date and set_X.
 
 /// Opens an item class: constructors, assignment, destructor, `copy`, and the registration of its
 /// type. The class goes on with public members.
@@ -71,69 +74,72 @@
   }
 
 /// What every parameter line has in common: accessors of type T over the parameter handle.
-#define QV_PARAM_ACCESSORS(T_, name)                                     \
-  ::qv::qv_param_traits<QV_UNPAREN T_>::result get_##name() const {      \
-    return ::qv::qv_param_traits<QV_UNPAREN T_>::get(*name##_param_);    \
-  }                                                                      \
-  unsigned int get_##name##_date() const {                               \
-    return name##_param_->get_date();                                    \
-  }                                                                      \
-  void set_##name(const std::type_identity_t<QV_UNPAREN T_>& value) {    \
-    this->template set_param_value<QV_UNPAREN T_>(name##_param_, value); \
+#define QV_PARAM_ACCESSORS(T_, name)                                                      \
+  ::qv::qv_param_traits<QV_UNPAREN T_>::result get_##name() const {                       \
+    return ::qv::qv_param_traits<QV_UNPAREN T_>::get(*this->get_param(name##_param_));    \
+  }                                                                                       \
+  unsigned int get_##name##_date() const {                                                \
+    return this->get_param(name##_param_)->get_date();                                    \
+  }                                                                                       \
+  void set_##name(const std::type_identity_t<QV_UNPAREN T_>& value) {                     \
+    this->template set_param_value<QV_UNPAREN T_>(this->get_param(name##_param_), value); \
   }
 #define QV_UNPAREN(...) __VA_ARGS__
 
 /// A scalar, string, vector, colour or matrix parameter: QV_PARAM(float, psi, 0.0f[, {options}]).
-#define QV_PARAM(type, name, ...)                                                         \
-  QV_PARAM_ACCESSORS((type), name)                                                        \
- private:                                                                                 \
-  ::qv::qv_param* name##_param_ = ::qv::qv_declare_param<type>(this, #name, __VA_ARGS__); \
-                                                                                          \
+#define QV_PARAM(type, name, ...)                            \
+  QV_PARAM_ACCESSORS((type), name)                           \
+ private:                                                    \
+  std::uint8_t name##_param_ = ::qv::qv_declare_param<type>( \
+      this, [] { return #name; }, __VA_ARGS__);              \
+                                                             \
  public:
 
 /// An enumeration parameter over an enumeration of the class: QV_PARAM_ENUM(wall_type, wall_type,
 /// wall_type::floor).
-#define QV_PARAM_ENUM(enum_name, name, default_value)                                         \
-  QV_PARAM_ACCESSORS((enum_name), name)                                                       \
- private:                                                                                     \
-  ::qv::qv_param* name##_param_ =                                                             \
-      this->add_param_enum(#name, get_##enum_name##_list(), static_cast<int>(default_value)); \
-                                                                                              \
+#define QV_PARAM_ENUM(enum_name, name, default_value)                       \
+  QV_PARAM_ACCESSORS((enum_name), name)                                     \
+ private:                                                                   \
+  std::uint8_t name##_param_ = ::qv::qv_declare_enum<enum_name>(            \
+      this, [] { return #name; }, get_##enum_name##_list(), default_value); \
+                                                                            \
  public:
 
 /// A list of enumeration values: QV_PARAM_ENUM_LIST(qvi_wall, contact_type, contact_types).
-#define QV_PARAM_ENUM_LIST(owner_class, enum_name, name)                       \
-  QV_PARAM_ACCESSORS((::qv::qv_list<owner_class::enum_name>), name)            \
- private:                                                                      \
-  ::qv::qv_param* name##_param_ =                                              \
-      this->add_param_enum_list(#name, owner_class::get_##enum_name##_list()); \
-                                                                               \
+#define QV_PARAM_ENUM_LIST(owner_class, enum_name, name)                                     \
+  QV_PARAM_ACCESSORS((::qv::qv_list<owner_class::enum_name>), name)                          \
+ private:                                                                                    \
+  std::uint8_t name##_param_ = ::qv::qv_declare_enum<::qv::qv_list<owner_class::enum_name>>( \
+      this, [] { return #name; }, owner_class::get_##enum_name##_list(), {});                \
+                                                                                             \
  public:
 
 /// A reference to another item, initially null: QV_PARAM_ITEM(qvi_building, building[, {options}]).
-#define QV_PARAM_ITEM(type, name, ...)                                                    \
-  QV_PARAM_ACCESSORS((type*), name)                                                       \
- private:                                                                                 \
-  ::qv::qv_param* name##_param_ = this->add_param_item(#name __VA_OPT__(, ) __VA_ARGS__); \
-                                                                                          \
+#define QV_PARAM_ITEM(type, name, ...)                                                      \
+  QV_PARAM_ACCESSORS((type*), name)                                                         \
+ private:                                                                                   \
+  std::uint8_t name##_param_ =                                                              \
+      ::qv::qv_declare_empty<type*>(this, [] { return #name; } __VA_OPT__(, ) __VA_ARGS__); \
+                                                                                            \
  public:
 
 /// A list of references, initially empty: QV_PARAM_ITEM_LIST(qvi_matter, layers[, {options}]).
-#define QV_PARAM_ITEM_LIST(type, name, ...)                                                    \
-  QV_PARAM_ACCESSORS((::qv::qv_list<type*>), name)                                             \
- private:                                                                                      \
-  ::qv::qv_param* name##_param_ = this->add_param_item_list(#name __VA_OPT__(, ) __VA_ARGS__); \
-                                                                                               \
+#define QV_PARAM_ITEM_LIST(type, name, ...)                                  \
+  QV_PARAM_ACCESSORS((::qv::qv_list<type*>), name)                           \
+ private:                                                                    \
+  std::uint8_t name##_param_ = ::qv::qv_declare_empty<::qv::qv_list<type*>>( \
+      this, [] { return #name; } __VA_OPT__(, ) __VA_ARGS__);                \
+                                                                             \
  public:
 
 /// A list of values (float, unsigned int, std::string or qv_3dvector), initially empty:
 /// QV_PARAM_LIST(float, floors[, {options}]).
-#define QV_PARAM_LIST(type, name, ...)                                     \
-  QV_PARAM_ACCESSORS((::qv::qv_list<type>), name)                          \
- private:                                                                  \
-  ::qv::qv_param* name##_param_ =                                          \
-      ::qv::qv_declare_list<type>(this, #name __VA_OPT__(, ) __VA_ARGS__); \
-                                                                           \
+#define QV_PARAM_LIST(type, name, ...)                                      \
+  QV_PARAM_ACCESSORS((::qv::qv_list<type>), name)                           \
+ private:                                                                   \
+  std::uint8_t name##_param_ = ::qv::qv_declare_empty<::qv::qv_list<type>>( \
+      this, [] { return #name; } __VA_OPT__(, ) __VA_ARGS__);               \
+                                                                            \
  public:
 
 namespace qv {
@@ -148,43 +154,41 @@ T* qv_new_item() {
   }
 }
 
-/// Declares a scalar parameter of `item` with the call that fits T.
-template <class T>
-qv_param* qv_declare_param(qv_item* item, const char* name, const std::type_identity_t<T>& value,
-                           const qv_param_options& options = {}) {
-  if constexpr (std::is_same_v<T, float>) {
-    return item->add_param_float(name, value, options);
-  } else if constexpr (std::is_same_v<T, int>) {
-    return item->add_param_int(name, value, options);
-  } else if constexpr (std::is_same_v<T, bool>) {
-    return item->add_param_bool(name, value, options);
-  } else if constexpr (std::is_same_v<T, std::string>) {
-    return item->add_param_string(name, value, options);
-  } else if constexpr (std::is_same_v<T, qv_3dvector>) {
-    return item->add_param_3dvector(name, value, options);
-  } else if constexpr (std::is_same_v<T, qv_color>) {
-    return item->add_param_color(name, value, options);
-  } else {
-    static_assert(std::is_same_v<T, qv_matrix>, "no parameter kind holds this type");
-    return item->add_param_matrix(name, options);
-  }
+// Each line of a class header has its declaration looked up once, when the first item of the class
+// is made: `name` is a function without state, of a type of its own for each line, that returns the
+// parameter's name. Name, labels and options are therefore the same at every call.
+
+/// Declares a parameter of `item` that starts as 0, null or empty, and returns its index.
+template <class T, class Name>
+std::uint8_t qv_declare_empty(qv_item* item, Name name, const qv_param_options& options = {}) {
+  static const unsigned int declaration =
+      qv_item::get_declaration(name(), qv_param_traits<T>::declared, nullptr, options);
+  const int index = item->add_param(declaration);
+  assert(index <= std::numeric_limits<std::uint8_t>::max());
+  return static_cast<std::uint8_t>(index);
 }
 
-/// Declares a list parameter of `item` with the call that fits the element type.
-template <class T>
-qv_param* qv_declare_list(qv_item* item, const char* name, const qv_param_options& options = {}) {
-  if constexpr (std::is_same_v<T, float>) {
-    return item->add_param_float_list(name, options);
-  } else if constexpr (std::is_same_v<T, int>) {
-    return item->add_param_int_list(name, options);
-  } else if constexpr (std::is_same_v<T, unsigned int>) {
-    return item->add_param_unsigned_list(name, options);
-  } else if constexpr (std::is_same_v<T, std::string>) {
-    return item->add_param_string_list(name, options);
-  } else {
-    static_assert(std::is_same_v<T, qv_3dvector>, "no parameter kind holds a list of this type");
-    return item->add_param_3dvector_list(name, options);
-  }
+/// Declares a parameter of `item` that starts as `value`; a matrix starts as identity.
+template <class T, class Name>
+std::uint8_t qv_declare_param(qv_item* item, Name name, const std::type_identity_t<T>& value,
+                              const qv_param_options& options = {}) {
+  const std::uint8_t index = qv_declare_empty<T>(item, name, options);
+  if constexpr (!std::is_same_v<T, qv_matrix>)
+    qv_param_traits<T>::store(*item->get_param(index), value);
+  return index;
+}
+
+/// Declares an enumeration that starts as `value`, or a list of enumeration values that starts
+/// empty.
+template <class T, class Name>
+std::uint8_t qv_declare_enum(qv_item* item, Name name, const qv_list<std::string>& labels,
+                             const std::type_identity_t<T>& value) {
+  static const unsigned int declaration =
+      qv_item::get_declaration(name(), qv_param_traits<T>::declared, &labels, {});
+  const int index = item->add_param(declaration);
+  assert(index <= std::numeric_limits<std::uint8_t>::max());
+  if constexpr (std::is_enum_v<T>) qv_param_traits<T>::store(*item->get_param(index), value);
+  return static_cast<std::uint8_t>(index);
 }
 
 }  // namespace qv

@@ -1,6 +1,7 @@
 #include "core/items/qv_item.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/items/qv_accessors.h"
 #include "core/items/qv_param_store.h"
@@ -12,6 +13,9 @@ namespace qv {
 
 namespace {
 
+// Bytes of the item that was last given memory and is not constructed yet; 0 for none.
+std::size_t size_of_next_item = 0;
+
 qv_item_type* get_root_type() {
   static auto* const type = new qv_item_type("item", nullptr);
   return type;
@@ -19,32 +23,55 @@ qv_item_type* get_root_type() {
 
 }  // namespace
 
+const std::string qv_item::no_name_;
+
 // --- construction ---
+
+void* qv_item::operator new(std::size_t size) {
+  void* const memory = ::operator new(size);
+  size_of_next_item = size;
+  return memory;
+}
+
+void qv_item::operator delete(void* memory) {
+  ::operator delete(memory);
+}
 
 qv_item::qv_item()
     : type_(get_root_type()),
-      params_(std::make_shared<qv_param_store>(this)),
+      params_(qv_param_store::make(this, std::exchange(size_of_next_item, 0))),
       date_(qv_get_new_date()),
       local_date_(date_) {
-  if (type_->get_sample() == nullptr) {
-    type_->set_sample(this);  // ends the recursion of the next line
+  if (type_->get_sample() != nullptr) return;
+  type_->set_sample(this);  // ends the recursion of what follows
+  try {
     type_->set_sample(new qv_item);
+  } catch (...) {
+    params_->release();  // nobody destroys an item whose construction failed
+    throw;
   }
 }
 
 qv_item::qv_item(const qv_item& other)
     : type_(other.type_),
-      name_(other.name_),
+      name_(other.name_ == nullptr ? nullptr : std::make_unique<std::string>(*other.name_)),
       params_(other.params_),
       date_(qv_get_new_date()),
-      local_date_(date_) {}
+      local_date_(date_) {
+  params_->retain();
+  size_of_next_item = 0;
+}
 
 qv_item& qv_item::operator=(const qv_item& other) {
   if (this == &other) return *this;
-  if (params_ != other.params_ && params_->get_owner() == this) params_->orphan();
+  name_ = other.name_ == nullptr ? nullptr : std::make_unique<std::string>(*other.name_);
+  if (params_ != other.params_) {
+    if (params_->get_owner() == this) params_->orphan();
+    other.params_->retain();
+    params_->release();
+    params_ = other.params_;
+  }
   type_ = other.type_;
-  name_ = other.name_;
-  params_ = other.params_;
   local_date_ = qv_get_new_date();
   stamp_upwards(local_date_);
   return *this;
@@ -60,7 +87,8 @@ qv_item::~qv_item() {
   }
   if (params_->get_owner() == this) params_->orphan();
   set_source(nullptr);
-  if (referrers_ != nullptr) release_referrers({this});
+  if (referrers_.get_count() > 0 || rarities_ != nullptr) release_referrers({this});
+  params_->release();
 }
 
 qv_item* qv_item::copy() const {
@@ -79,106 +107,113 @@ void qv_item::render_opengl_contour_raw() {}
 
 // --- parameters ---
 
-qv_param* qv_item::declare(const std::string& name, qv_param::param_type type,
-                           const qv_list<std::string>* labels, const qv_param_options& options) {
-  if (qv_param* known = params_->find(name)) return known;
-  return params_->add(qv_param_declaration::get_index(name, type, labels, options), local_date_);
+unsigned int qv_item::get_declaration(const std::string& name, qv_param::param_type type,
+                                      const qv_list<std::string>* labels,
+                                      const qv_param_options& options) {
+  return qv_param_declaration::get_index(name, type, labels, options);
+}
+
+int qv_item::add_param(unsigned int declaration) {
+  return params_->add(declaration, local_date_);
 }
 
 qv_param* qv_item::add_param_float(const std::string& name, float value,
                                    const qv_param_options& options) {
-  qv_param* param = declare(name, qv_param::type_float, nullptr, options);
+  qv_param* param =
+      get_param(add_param(get_declaration(name, qv_param::type_float, nullptr, options)));
   param->store_float(value);
   return param;
 }
 
 qv_param* qv_item::add_param_int(const std::string& name, int value,
                                  const qv_param_options& options) {
-  qv_param* param = declare(name, qv_param::type_int, nullptr, options);
+  qv_param* param =
+      get_param(add_param(get_declaration(name, qv_param::type_int, nullptr, options)));
   param->store_int(value);
   return param;
 }
 
 qv_param* qv_item::add_param_bool(const std::string& name, bool value,
                                   const qv_param_options& options) {
-  qv_param* param = declare(name, qv_param::type_bool, nullptr, options);
+  qv_param* param =
+      get_param(add_param(get_declaration(name, qv_param::type_bool, nullptr, options)));
   param->store_bool(value);
   return param;
 }
 
 qv_param* qv_item::add_param_enum(const std::string& name, const qv_list<std::string>& labels,
                                   int value, const qv_param_options& options) {
-  qv_param* param = declare(name, qv_param::type_enum, &labels, options);
+  qv_param* param =
+      get_param(add_param(get_declaration(name, qv_param::type_enum, &labels, options)));
   param->store_int(value);
   return param;
 }
 
 qv_param* qv_item::add_param_string(const std::string& name, const std::string& value,
                                     const qv_param_options& options) {
-  qv_param* param = declare(name, qv_param::type_string, nullptr, options);
+  qv_param* param =
+      get_param(add_param(get_declaration(name, qv_param::type_string, nullptr, options)));
   param->store_string(value);
   return param;
 }
 
 qv_param* qv_item::add_param_3dvector(const std::string& name, const qv_3dvector& value,
                                       const qv_param_options& options) {
-  qv_param* param = declare(name, qv_param::type_3dvector, nullptr, options);
+  qv_param* param =
+      get_param(add_param(get_declaration(name, qv_param::type_3dvector, nullptr, options)));
   param->store_3dvector(value);
   return param;
 }
 
 qv_param* qv_item::add_param_color(const std::string& name, const qv_color& value,
                                    const qv_param_options& options) {
-  qv_param* param = declare(name, qv_param::type_color, nullptr, options);
+  qv_param* param =
+      get_param(add_param(get_declaration(name, qv_param::type_color, nullptr, options)));
   param->store_color(value);
   return param;
 }
 
 qv_param* qv_item::add_param_matrix(const std::string& name, const qv_param_options& options) {
-  return declare(name, qv_param::type_matrix, nullptr, options);
+  return get_param(add_param(get_declaration(name, qv_param::type_matrix, nullptr, options)));
 }
 
 qv_param* qv_item::add_param_item(const std::string& name, const qv_param_options& options) {
-  return declare(name, qv_param::type_item, nullptr, options);
+  return get_param(add_param(get_declaration(name, qv_param::type_item, nullptr, options)));
 }
 
 qv_param* qv_item::add_param_item_list(const std::string& name, const qv_param_options& options) {
-  return declare(name, qv_param::type_item_list, nullptr, options);
+  return get_param(add_param(get_declaration(name, qv_param::type_item_list, nullptr, options)));
 }
 
 qv_param* qv_item::add_param_float_list(const std::string& name, const qv_param_options& options) {
-  return declare(name, qv_param::type_float_list, nullptr, options);
+  return get_param(add_param(get_declaration(name, qv_param::type_float_list, nullptr, options)));
 }
 
 qv_param* qv_item::add_param_int_list(const std::string& name, const qv_param_options& options) {
-  return declare(name, qv_param::type_int_list, nullptr, options);
+  return get_param(add_param(get_declaration(name, qv_param::type_int_list, nullptr, options)));
 }
 
 qv_param* qv_item::add_param_unsigned_list(const std::string& name,
                                            const qv_param_options& options) {
-  return declare(name, qv_param::type_unsigned_list, nullptr, options);
+  return get_param(
+      add_param(get_declaration(name, qv_param::type_unsigned_list, nullptr, options)));
 }
 
 qv_param* qv_item::add_param_enum_list(const std::string& name, const qv_list<std::string>& labels,
                                        const qv_param_options& options) {
-  return declare(name, qv_param::type_enum_list, &labels, options);
+  return get_param(add_param(get_declaration(name, qv_param::type_enum_list, &labels, options)));
 }
 
 qv_param* qv_item::add_param_string_list(const std::string& name, const qv_param_options& options) {
-  return declare(name, qv_param::type_string_list, nullptr, options);
+  return get_param(add_param(get_declaration(name, qv_param::type_string_list, nullptr, options)));
 }
 
 qv_param* qv_item::add_param_3dvector_list(const std::string& name,
                                            const qv_param_options& options) {
-  return declare(name, qv_param::type_3dvector_list, nullptr, options);
+  return get_param(
+      add_param(get_declaration(name, qv_param::type_3dvector_list, nullptr, options)));
 }
 
-int qv_item::get_param_count() const {
-  return params_->get_count();
-}
-qv_param* qv_item::get_param(int index) const {
-  return params_->get(index);
-}
 qv_param* qv_item::find_param(const std::string& name) const {
   return params_->find(name);
 }
@@ -186,9 +221,9 @@ qv_param* qv_item::find_param(const std::string& name) const {
 // --- identity ---
 
 void qv_item::set_name(const std::string& name) {
-  if (name_ == name) return;
+  if (get_name() == name) return;
   qv_get_new_date();
-  name_ = name;
+  name_ = name.empty() ? nullptr : std::make_unique<std::string>(name);
   announce_change("name");
 }
 
@@ -239,20 +274,24 @@ void qv_item::stamp_upwards(unsigned int date) {
 
 // --- tree ---
 
+qv_item::rarities& qv_item::get_rarities() {
+  if (rarities_ == nullptr) rarities_ = std::make_unique<rarities>();
+  return *rarities_;
+}
+
 void qv_item::set_source(qv_item* source) {
-  if (source == source_) return;
-  if (source_ != nullptr && source_->referrers_ != nullptr) {
-    std::vector<qv_item*>& derived = source_->referrers_->derived;
+  qv_item* const before = get_source();
+  if (source == before) return;
+  if (before != nullptr) {
+    std::vector<qv_item*>& derived = before->get_rarities().derived;
     const auto found = std::find(derived.rbegin(), derived.rend(), this);
     if (found != derived.rend()) {
       *found = derived.back();
       derived.pop_back();
     }
   }
-  source_ = source;
-  if (source_ == nullptr) return;
-  if (source_->referrers_ == nullptr) source_->referrers_ = std::make_unique<referrers>();
-  source_->referrers_->derived.push_back(this);
+  get_rarities().source = source;
+  if (source != nullptr) source->get_rarities().derived.push_back(this);
 }
 
 void qv_item::add_child(qv_item* item, int index) {
@@ -352,17 +391,17 @@ void qv_item::free_items(const std::vector<qv_item*>& doomed) {
 }
 
 void qv_item::release_referrers(const std::unordered_set<const qv_item*>& doomed) {
-  if (referrers_ == nullptr) return;
-  while (!referrers_->params.empty()) {
-    qv_param* const param = referrers_->params.back();
+  while (referrers_.get_count() > 0) {
+    qv_param* const param = referrers_[referrers_.get_count() - 1];
     qv_item* const owner = param->get_owner();
     const bool announced = owner != nullptr && doomed.find(owner) == doomed.end();
     if (announced) param->set_date(qv_get_new_date());
     param->forget(this);
     if (announced) owner->announce_change(param->get_name());
   }
-  for (qv_item* derived : referrers_->derived) derived->source_ = nullptr;
-  referrers_.reset();
+  if (rarities_ == nullptr) return;
+  for (qv_item* derived : rarities_->derived) derived->rarities_->source = nullptr;
+  rarities_->derived.clear();
 }
 
 // --- view ---
@@ -374,7 +413,7 @@ const qv_box& qv_item::get_bounding_box() {
   while (!pending.empty()) {
     qv_item* item = pending.back();
     pending.pop_back();
-    if (item->box_ != nullptr && item->box_->date >= item->date_) continue;
+    if (item->rarities_ != nullptr && item->rarities_->box_date >= item->date_) continue;
     stale.push_back(item);
     for (qv_item* child : item->children_) pending.push_back(child);
   }
@@ -382,12 +421,14 @@ const qv_box& qv_item::get_bounding_box() {
     const unsigned int date = (*item)->date_;
     qv_box box = (*item)->get_local_bounding_box();
     for (const qv_item* child : (*item)->children_) {
-      if (child->box_ != nullptr) box.enlarge(child->box_->box);
+      if (child->rarities_ != nullptr && child->rarities_->box_date != 0)
+        box.enlarge(child->rarities_->box);
     }
-    if ((*item)->box_ == nullptr) (*item)->box_ = std::make_unique<box_cache>();
-    *(*item)->box_ = {date, box};
+    rarities& own = (*item)->get_rarities();
+    own.box_date = date;
+    own.box = box;
   }
-  return box_->box;
+  return rarities_->box;
 }
 
 void qv_item::set_selected(bool selected) {

@@ -1,19 +1,20 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
 #include "core/items/qv_item_type.h"
-#include "core/items/qv_param.h"
+#include "core/items/qv_param_store.h"
+#include "core/items/qv_referrer_list.h"
 #include "utilities/qv_box.h"
 #include "utilities/qv_list.h"
 
 namespace qv {
 
 class qv_scene;
-class qv_param_store;
 
 /// Base of everything that lives in a scene: a named node of a tree with typed, dated parameters.
 ///
@@ -75,6 +76,11 @@ class qv_item {
   virtual ~qv_item();
 
  public:
+  /// The size tells the constructor how many parameters to make room for.
+  static void* operator new(std::size_t size);
+  static void* operator new(std::size_t size, void* place) { return ::operator new(size, place); }
+  static void operator delete(void* memory);
+
   // --- parameters ---
   // Each call declares a parameter with its default and returns it; the item owns it. A name
   // declared twice returns the parameter declared first.
@@ -101,9 +107,18 @@ class qv_item {
   qv_param* add_param_string_list(const std::string& name, const qv_param_options& = {});
   qv_param* add_param_3dvector_list(const std::string& name, const qv_param_options& = {});
 
-  int get_param_count() const;
+  /// What parameters of this name, kind, labels and options have in common, as a number: the same
+  /// for the same values. Class headers keep it for each of their lines (qv_accessors.h).
+  static unsigned int get_declaration(const std::string& name, qv_param::param_type type,
+                                      const qv_list<std::string>* labels,
+                                      const qv_param_options& options);
+  /// Declares a parameter by the number of its declaration, with the value 0, null or empty, and
+  /// returns its index.
+  int add_param(unsigned int declaration);
+
+  int get_param_count() const { return params_->get_count(); }
   /// Parameter `index` in declaration order.
-  qv_param* get_param(int index) const;
+  qv_param* get_param(int index) const { return params_->get(index); }
   /// The parameter of that name, or null.
   qv_param* find_param(const std::string& name) const;
 
@@ -117,7 +132,7 @@ class qv_item {
 
   // --- identity ---
 
-  const std::string& get_name() const { return name_; }
+  const std::string& get_name() const { return name_ == nullptr ? no_name_ : *name_; }
   /// Announced as a change of "name" when different.
   void set_name(const std::string& name);
   /// Given at the first call, random and unlike any other, and kept.
@@ -144,7 +159,7 @@ class qv_item {
   qv_item* get_parent() const { return parent_; }
   const qv_list<qv_item*>& get_children() const { return children_; }
   /// The item this one was made from, or null.
-  qv_item* get_source() const { return source_; }
+  qv_item* get_source() const { return rarities_ == nullptr ? nullptr : rarities_->source; }
   void set_source(qv_item* source);
   /// Puts `item` among the children before position `index`, at the end when `index` is negative or
   /// too large, taking it from its former parent. Null, the item itself and its ancestors are
@@ -187,18 +202,14 @@ class qv_item {
   friend class qv_param;
   friend class qv_scene;
 
-  // Parameters and source links that refer to this item.
-  struct referrers {
-    std::vector<qv_param*> params;
-    std::vector<qv_item*> derived;
-  };
-  struct box_cache {
-    unsigned int date = 0;
+  // What most items never have.
+  struct rarities {
+    qv_item* source = nullptr;
+    std::vector<qv_item*> derived;  // items of which this one is the source
+    unsigned int box_date = 0;      // 0: no box yet
     qv_box box;
   };
 
-  qv_param* declare(const std::string& name, qv_param::param_type type,
-                    const qv_list<std::string>* labels, const qv_param_options& options);
   // Item and scene take note of a change; the notification follows unless the scene keeps silence.
   void announce_change(const std::string& name);
   void take_note_of_change(const std::string& name);
@@ -214,16 +225,19 @@ class qv_item {
   // The subtree in depth-first order, this item first.
   std::vector<qv_item*> list_subtree() const;
 
+  rarities& get_rarities();
+
+  static const std::string no_name_;
+
   qv_item_type* type_;
-  std::string name_;
+  std::unique_ptr<std::string> name_;               // null for the empty name
   mutable std::unique_ptr<std::string> unique_id_;  // most items are never asked for theirs
-  std::shared_ptr<qv_param_store> params_;
+  qv_param_store* params_;                          // shared with copies
   qv_item* parent_ = nullptr;
   qv_scene* scene_ = nullptr;
-  qv_item* source_ = nullptr;
   qv_list<qv_item*> children_;
-  std::unique_ptr<referrers> referrers_;
-  std::unique_ptr<box_cache> box_;
+  qv_referrer_list referrers_;  // parameters that refer to this item
+  std::unique_ptr<rarities> rarities_;
   unsigned int date_;
   unsigned int local_date_;
   unsigned int order_ = 0;  // rank in the scene's depth-first order; 0 not known

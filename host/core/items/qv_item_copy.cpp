@@ -8,7 +8,7 @@ namespace qv {
 bool qv_item::is_similar_to(qv_item* other, bool compare_names) {
   if (other == this) return true;
   if (other == nullptr || other->type_ != type_) return false;
-  if (compare_names && other->name_ != name_) return false;
+  if (compare_names && other->get_name() != get_name()) return false;
   if (other->get_param_count() != get_param_count()) return false;
   for (int i = 0; i < get_param_count(); ++i) {
     const qv_param* mine = get_param(i);
@@ -76,7 +76,7 @@ qv_item* qv_item::full_copy() const {
     } else {
       copies[original->parent_]->add_child(made, -1);
     }
-    made->name_ = original->name_;
+    if (original->name_ != nullptr) made->name_ = std::make_unique<std::string>(*original->name_);
     made->set_source(original);
     made->copy_params(original);
   }

@@ -112,7 +112,7 @@ std::string value_text(const qv_param& param) {
 }  // namespace
 
 std::string qv_item::get_html_information() {
-  std::string html = "<h2>" + escaped(name_) + "</h2><table width=100% border=0>";
+  std::string html = "<h2>" + escaped(get_name()) + "</h2><table width=100% border=0>";
   const auto row = [&html](std::string_view label, std::string_view value) {
     html += "<tr><td><b>" + escaped(label) + "</b></td><td>" + escaped(value) + "</td></tr>";
   };
@@ -124,7 +124,7 @@ std::string qv_item::get_html_information() {
 }
 
 std::string qv_item::get_txt_information() {
-  std::string text = "name: " + name_ + "\ntype: " + type_->get_name() + "\n";
+  std::string text = "name: " + get_name() + "\ntype: " + type_->get_name() + "\n";
   for (int i = 0; i < get_param_count(); ++i) {
     text += get_param(i)->get_name() + ": " + value_text(*get_param(i)) + "\n";
   }
@@ -132,7 +132,7 @@ std::string qv_item::get_txt_information() {
 }
 
 std::string qv_item::get_html_link() {
-  return "<a href=\"item:" + escaped(get_unique_id()) + "\">" + escaped(name_) + "</a>";
+  return "<a href=\"item:" + escaped(get_unique_id()) + "\">" + escaped(get_name()) + "</a>";
 }
 
 }  // namespace qv

@@ -5,6 +5,7 @@
 #include <cassert>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <new>
 #include <unordered_map>
@@ -63,40 +64,61 @@ void store_heap_value(void*& heap, const T& value) {
   heap = stored;
 }
 
-/// The string lists stored last: a model's meshes bear the same few layer lists over and over.
-class recent_string_lists {
+std::size_t hash_of(const std::string& value) {
+  return std::hash<std::string>()(value);
+}
+std::size_t hash_of(unsigned int value) {
+  return value;
+}
+/// The short lists of a kind stored last: a model's meshes bear the same few lists of layers and of
+/// contour sizes over and over.
+template <class T>
+class recent_lists {
  public:
-  using list = qv_list<std::string>;
+  using list = qv_list<T>;
 
   /// Stores `value`, in common with an equal recent one where there is one.
-  void store(void*& heap, const list& value) {
+  static void store(void*& heap, const list& value) {
+    static auto& recent = *new recent_lists;
+    recent.share(heap, value);
+  }
+
+ private:
+  struct entry {
+    std::size_t hash = 0;
+    void* shared = nullptr;
+  };
+
+  void share(void*& heap, const list& value) {
     if (value.get_count() == 0 || value.get_count() > largest_count) {
       store_heap_value(heap, value);
       return;
     }
+    const std::size_t hash = get_hash(value);
     std::size_t place = 0;
-    while (place < recent_.size() - 1 && recent_[place] != nullptr &&
-           !(heap_value<list>(recent_[place]) == value)) {
-      ++place;
-    }
-    if (!(heap_value<list>(recent_[place]) == value)) {
-      release_heap_value<list>(recent_[place]);
-      recent_[place] = new shared_value<list>{value};
+    while (place < recent_.size() - 1 && !holds(recent_[place], hash, value)) ++place;
+    if (!holds(recent_[place], hash, value)) {
+      release_heap_value<list>(recent_[place].shared);
+      recent_[place] = {hash, nullptr};
+      recent_[place].shared = new shared_value<list>{value};
     }
     std::rotate(recent_.begin(), recent_.begin() + static_cast<std::ptrdiff_t>(place),
                 recent_.begin() + static_cast<std::ptrdiff_t>(place) + 1);
-    share_heap_value<list>(heap, recent_[0]);
+    share_heap_value<list>(heap, recent_[0].shared);
   }
 
- private:
-  static constexpr int largest_count = 8;
-  std::array<void*, 16> recent_{};  // latest first
-};
+  static std::size_t get_hash(const list& value) {
+    std::size_t hash = 0;
+    for (const T& element : value) hash = hash * 31 + hash_of(element);
+    return hash;
+  }
+  static bool holds(const entry& known, std::size_t hash, const list& value) {
+    return known.hash == hash && known.shared != nullptr && heap_value<list>(known.shared) == value;
+  }
 
-void store_string_list_value(void*& heap, const qv_list<std::string>& value) {
-  static auto& recent = *new recent_string_lists;
-  recent.store(heap, value);
-}
+  static constexpr int largest_count = 8;
+  std::array<entry, 16> recent_{};  // latest first
+};
 
 bool within(float a, float b, float tolerance) {
   return a == b || std::fabs(static_cast<double>(a) - static_cast<double>(b)) <=
@@ -104,7 +126,7 @@ bool within(float a, float b, float tolerance) {
 }
 
 // What the index of a parameter's declaration can hold.
-[[maybe_unused]] constexpr std::size_t largest_declaration_index = (1u << 19) - 1;
+[[maybe_unused]] constexpr std::size_t largest_declaration_index = (1u << 16) - 1;
 
 std::vector<std::unique_ptr<qv_param_declaration>>& get_declarations() {
   static auto& declarations = *new std::vector<std::unique_ptr<qv_param_declaration>>;
@@ -142,67 +164,139 @@ const qv_param_declaration& qv_param_declaration::at(unsigned int index) {
   return *get_declarations()[index];
 }
 
+// --- layouts ---
+
+const qv_param_layout* qv_param_layout::get_empty() {
+  static const auto* const empty = new qv_param_layout(nullptr, 0);
+  return empty;
+}
+
+const qv_param_layout::step& qv_param_layout::get_step(unsigned int declaration) const {
+  for (const auto& known : steps_) {
+    if (known->declaration == declaration) return *known;
+  }
+  return make_step(declaration);
+}
+
+const qv_param_layout::step& qv_param_layout::make_step(unsigned int declaration) const {
+  const qv_param_declaration& made = qv_param_declaration::at(declaration);
+  auto added = std::make_unique<step>();
+  added->declaration = declaration;
+  added->type = made.type;
+  added->known = find(made.name);
+  if (added->known < 0) added->next.reset(new qv_param_layout(this, declaration));
+  steps_.push_back(std::move(added));
+  return *steps_.back();
+}
+
+int qv_param_layout::find(const std::string& name) const {
+  for (const qv_param_layout* layout = this; layout->previous_ != nullptr;
+       layout = layout->previous_) {
+    if (qv_param_declaration::at(layout->declaration_).name == name) return layout->count_ - 1;
+  }
+  return -1;
+}
+
 // --- store ---
 
-qv_param_store::qv_param_store(qv_item* owner) : owner_(owner) {
-  first_.store = this;
-  first_.next = nullptr;
+namespace {
+
+// Sizes of items are told apart by multiples of this, up to a largest one; class 0 is for others.
+constexpr std::size_t size_step = 8;
+// Room of the first item of its size.
+constexpr std::uint8_t first_capacity = 8;
+
+// The largest number of parameters that an item of each size class had; 0 where there was none.
+std::array<std::uint8_t, 256> expected_counts{};
+
+std::uint8_t get_size_class(std::size_t size) {
+  const std::size_t size_class = size / size_step;
+  return size_class < expected_counts.size() ? static_cast<std::uint8_t>(size_class) : 0;
 }
+
+}  // namespace
+
+qv_param_store* qv_param_store::make(qv_item* owner, std::size_t size) {
+  const std::uint8_t size_class = get_size_class(size);
+  std::uint8_t capacity = expected_counts[size_class];
+  if (capacity == 0) capacity = first_capacity;
+  void* const memory = ::operator new(sizeof(qv_param_store) + capacity * sizeof(qv_param));
+  return new (memory) qv_param_store(owner, capacity, size_class);
+}
+
+qv_param_store::qv_param_store(qv_item* owner, int capacity, std::uint8_t size_class)
+    : owner_(owner),
+      layout_(qv_param_layout::get_empty()),
+      capacity_(static_cast<std::uint8_t>(capacity)),
+      size_class_(size_class) {}
 
 qv_param_store::~qv_param_store() {
-  for (int i = 0; i < count_; ++i) get(i)->~qv_param();
-  for (extra_block* extra = first_.next; extra != nullptr;)
+  const int count = get_count();
+  for (int i = 0; i < std::min<int>(count, capacity_); ++i) get_first()[i].~qv_param();
+  int rest = count - capacity_;
+  for (extra_block* extra = extra_; extra != nullptr; rest -= extra_size) {
+    for (int i = 0; i < std::min(rest, extra_size); ++i)
+      std::launder(reinterpret_cast<qv_param*>(extra->params[i]))->~qv_param();
     delete std::exchange(extra, extra->next);
+  }
 }
 
-qv_param* qv_param_store::get(int index) const {
-  const std::byte* place = nullptr;
-  if (index < first_size) {
-    place = first_.params[index];
-  } else {
-    const extra_block* extra = first_.next;
-    for (index -= first_size; index >= extra_size; index -= extra_size) extra = extra->next;
-    place = extra->params[index];
-  }
-  return std::launder(reinterpret_cast<qv_param*>(const_cast<std::byte*>(place)));
+void qv_param_store::release() {
+  if (--user_count_ > 0) return;
+  this->~qv_param_store();
+  ::operator delete(this);
+}
+
+qv_param* qv_param_store::get_extra(int index) const {
+  const extra_block* extra = extra_;
+  for (; index >= extra_size; index -= extra_size) extra = extra->next;
+  return std::launder(reinterpret_cast<qv_param*>(const_cast<std::byte*>(extra->params[index])));
 }
 
 qv_param* qv_param_store::find(const std::string& name) const {
-  for (int i = 0; i < count_; ++i) {
-    if (get(i)->get_name() == name) return get(i);
-  }
-  return nullptr;
+  const int position = layout_->find(name);
+  return position < 0 ? nullptr : get(position);
 }
 
-qv_param* qv_param_store::add(unsigned int declaration, unsigned int date) {
-  std::byte* place = nullptr;
-  int slot = count_;
-  if (slot < first_size) {
-    place = first_.params[slot];
-  } else {
-    extra_block** extra = &first_.next;
-    for (slot -= first_size; slot >= extra_size; slot -= extra_size) extra = &(*extra)->next;
-    if (*extra == nullptr) {
-      *extra = new extra_block;
-      (*extra)->store = this;
-      (*extra)->next = nullptr;
-    }
-    place = (*extra)->params[slot];
+std::byte* qv_param_store::make_room(int index) {
+  if (index < capacity_) return reinterpret_cast<std::byte*>(get_first() + index);
+  extra_block** extra = &extra_;
+  for (index -= capacity_; index >= extra_size; index -= extra_size) extra = &(*extra)->next;
+  if (*extra == nullptr) {
+    *extra = new extra_block;
+    (*extra)->store = this;
+    (*extra)->next = nullptr;
   }
-  ++count_;
-  return new (place) qv_param(declaration, static_cast<unsigned int>(slot), date);
+  return (*extra)->params[index];
+}
+
+int qv_param_store::add(unsigned int declaration, unsigned int date) {
+  const qv_param_layout::step& step = layout_->get_step(declaration);
+  if (step.known >= 0) return step.known;
+  const int index = get_count();
+  std::byte* const place = make_room(index);
+  layout_ = step.next.get();
+  const bool in_store = index < capacity_;
+  const int slot = in_store ? index : (index - capacity_) % extra_size;
+  new (place) qv_param(declaration, step.type, in_store, static_cast<unsigned int>(slot), date);
+  std::uint8_t& expected = expected_counts[size_class_];
+  if (size_class_ != 0 && index >= expected && index < largest_capacity)
+    expected = static_cast<std::uint8_t>(index + 1);
+  return index;
 }
 
 // --- parameter ---
 
 static_assert(sizeof(qv_param) == 24);
 
-qv_param::qv_param(unsigned int declaration, unsigned int slot, unsigned int date)
+qv_param::qv_param(unsigned int declaration, param_type type, bool in_store, unsigned int slot,
+                   unsigned int date)
     : date_(date),
       declaration_(declaration),
+      in_store_(in_store ? 1 : 0),
       slot_(slot),
-      type_(get_declaration().type),
-      kind_(get_declaration().type) {
+      type_(type),
+      kind_(type) {
   switch (get_kind()) {
     case type_float:
       storage_.number = 0;
@@ -270,10 +364,11 @@ const qv_param_declaration& qv_param::get_declaration() const {
 }
 
 qv_item* qv_param::get_owner() const {
-  const auto* const first = reinterpret_cast<const std::byte*>(this - slot_);
-  // Every block begins alike, whatever its size.
+  const qv_param* const first = this - slot_;
+  if (in_store_ != 0) return (reinterpret_cast<const qv_param_store*>(first) - 1)->owner_;
   using block = qv_param_store::extra_block;
-  return reinterpret_cast<const block*>(first - offsetof(block, params))->store->owner_;
+  const auto* const bytes = reinterpret_cast<const std::byte*>(first);
+  return reinterpret_cast<const block*>(bytes - offsetof(block, params))->store->owner_;
 }
 
 const std::string& qv_param::get_name() const {
@@ -334,18 +429,22 @@ void qv_param::store_color(const qv_color& value) {
 QV_HEAP_VALUE(qv_matrix, matrix, kind == type_matrix)
 QV_HEAP_VALUE(std::string, string, kind == type_string)
 QV_HEAP_VALUE(qv_list<float>, float_list, kind == type_float_list)
-QV_HEAP_VALUE(qv_list<unsigned int>, unsigned_list, kind == type_unsigned_list)
-QV_HEAP_VALUE(qv_list<int>, int_list, kind == type_int_list || kind == type_enum_list)
 QV_HEAP_VALUE(qv_list<qv_3dvector>, 3dvector_list, kind == type_3dvector_list)
+QV_HEAP_VALUE(qv_list<int>, int_list, kind == type_int_list || kind == type_enum_list)
 #undef QV_HEAP_VALUE
 
-const qv_list<std::string>& qv_param::get_string_list() const {
-  return get_kind() == type_string_list ? heap_value<qv_list<std::string>>(storage_.heap)
-                                        : empty_value<qv_list<std::string>>();
-}
-void qv_param::store_string_list(const qv_list<std::string>& value) {
-  if (get_kind() == type_string_list) store_string_list_value(storage_.heap, value);
-}
+// The lists that are often the same as one stored shortly before.
+#define QV_SHARED_LIST(T_, stem)                                                  \
+  const qv_list<T_>& qv_param::get_##stem() const {                               \
+    return get_kind() == type_##stem ? heap_value<qv_list<T_>>(storage_.heap)     \
+                                     : empty_value<qv_list<T_>>();                \
+  }                                                                               \
+  void qv_param::store_##stem(const qv_list<T_>& value) {                         \
+    if (get_kind() == type_##stem) recent_lists<T_>::store(storage_.heap, value); \
+  }
+QV_SHARED_LIST(std::string, string_list)
+QV_SHARED_LIST(unsigned int, unsigned_list)
+#undef QV_SHARED_LIST
 
 // --- references ---
 
@@ -374,29 +473,25 @@ void qv_param::store_item_list(const qv_list<qv_item*>& value) {
 
 void qv_param::link(qv_item* target) {
   if (target == nullptr) return;
-  if (target->referrers_ == nullptr) target->referrers_ = std::make_unique<qv_item::referrers>();
-  std::vector<qv_param*>& params = target->referrers_->params;
+  qv_referrer_list& params = target->referrers_;
   if (get_kind() == type_item) {
-    storage_.item.position = static_cast<std::uint32_t>(params.size());
+    storage_.item.position = static_cast<std::uint32_t>(params.get_count());
   }
-  params.push_back(this);
+  params.append(this);
 }
 
 void qv_param::unlink(qv_item* target) {
-  if (target == nullptr || target->referrers_ == nullptr) return;
-  std::vector<qv_param*>& params = target->referrers_->params;
-  std::size_t position = params.size();
+  if (target == nullptr || target->referrers_.get_count() == 0) return;
+  qv_referrer_list& params = target->referrers_;
+  int position = params.get_count();
   if (get_kind() == type_item) {
-    position = storage_.item.position;
+    position = static_cast<int>(storage_.item.position);
   } else {
     while (position > 0 && params[position - 1] != this) --position;
     if (position-- == 0) return;
   }
-  params[position] = params.back();
-  params.pop_back();
-  if (position == params.size()) return;
-  qv_param* moved = params[position];
-  if (moved->get_kind() == type_item) {
+  qv_param* const moved = params.remove(position);
+  if (moved != nullptr && moved->get_kind() == type_item) {
     moved->storage_.item.position = static_cast<std::uint32_t>(position);
   }
 }

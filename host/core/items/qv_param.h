@@ -117,7 +117,8 @@ class qv_param {
   friend class qv_param_store;
   friend class qv_item;
 
-  qv_param(unsigned int declaration, unsigned int slot, unsigned int date);
+  qv_param(unsigned int declaration, param_type type, bool in_store, unsigned int slot,
+           unsigned int date);
 
   const qv_param_declaration& get_declaration() const;
   // Kind of the first declaration, and so of the storage.
@@ -127,10 +128,11 @@ class qv_param {
   void forget(qv_item* target);
 
   // Models have very many parameters, so one takes 24 bytes: its declaration is an index into the
-  // list of all, and its owner is found through the block of the store in which it lies.
+  // list of all, and its owner is found through the store or the further block in which it lies.
   std::uint32_t date_;
-  std::uint32_t declaration_ : 19;
-  std::uint32_t slot_ : 3;
+  std::uint32_t declaration_ : 16;
+  std::uint32_t in_store_ : 1;  // else in a further block
+  std::uint32_t slot_ : 5;
   std::uint32_t type_ : 5;
   std::uint32_t kind_ : 5;
   // Small values lie in place; strings, matrices and lists on the heap, where null stands for

@@ -8,9 +8,9 @@
 
 namespace qv {
 
-// One trait for each kind of parameter value: which declared kinds its setter accepts, how the
-// value is read in place, when two values are equal, how one is stored. Accessors, setter and
-// declaration are all made of these.
+// One trait for each kind of parameter value: the kind that its declaration has, which declared
+// kinds its setter accepts, how the value is read in place, when two values are equal, how one is
+// stored. Accessors, setter and declaration are all made of these.
 
 class qv_item;
 
@@ -27,6 +27,7 @@ struct qv_param_traits;
 template <>
 struct qv_param_traits<float> {
   using result = float;
+  static constexpr qv_param::param_type declared = qv_param::type_float;
   static constexpr bool accepts(int type) { return type == qv_param::type_float; }
   static result get(const qv_param& p) { return p.get_float(); }
   static bool equals(const qv_param& p, float v) { return p.get_float() == v; }
@@ -37,6 +38,8 @@ template <class E>
 requires std::is_enum_v<E> || std::is_same_v<E, int>
 struct qv_param_traits<E> {
   using result = E;
+  static constexpr qv_param::param_type declared =
+      std::is_enum_v<E> ? qv_param::type_enum : qv_param::type_int;
   static constexpr bool accepts(int type) {
     return type == qv_param::type_int || type == qv_param::type_enum;
   }
@@ -48,6 +51,7 @@ struct qv_param_traits<E> {
 template <>
 struct qv_param_traits<bool> {
   using result = bool;
+  static constexpr qv_param::param_type declared = qv_param::type_bool;
   static constexpr bool accepts(int type) { return type == qv_param::type_bool; }
   static result get(const qv_param& p) { return p.get_bool(); }
   static bool equals(const qv_param& p, bool v) { return p.get_bool() == v; }
@@ -59,6 +63,7 @@ struct qv_param_traits<bool> {
   template <>                                                                            \
   struct qv_param_traits<type> {                                                         \
     using result = const type&;                                                          \
+    static constexpr qv_param::param_type declared = qv_param::code;                     \
     static constexpr bool accepts(int t) { return t == qv_param::code; }                 \
     static result get(const qv_param& p) { return p.get_##stem(); }                      \
     static bool equals(const qv_param& p, const type& v) { return p.get_##stem() == v; } \
@@ -77,6 +82,7 @@ QV_PARAM_TRAITS(qv_list<std::string>, string_list, type_string_list)
 template <class T>
 struct qv_param_traits<T*> {
   using result = T*;
+  static constexpr qv_param::param_type declared = qv_param::type_item;
   static constexpr bool accepts(int type) { return type == qv_param::type_item; }
   static result get(const qv_param& p) { return qv_item_cast<T>(p.get_item()); }
   static bool equals(const qv_param& p, T* v) { return p.get_item() == as_item(v); }
@@ -90,6 +96,8 @@ template <class E>
 requires std::is_enum_v<E> || std::is_same_v<E, int>
 struct qv_param_traits<qv_list<E>> {
   using result = qv_list<E>;
+  static constexpr qv_param::param_type declared =
+      std::is_enum_v<E> ? qv_param::type_enum_list : qv_param::type_int_list;
   static constexpr bool accepts(int type) {
     return type == qv_param::type_int_list || type == qv_param::type_enum_list;
   }
@@ -117,6 +125,7 @@ struct qv_param_traits<qv_list<E>> {
 template <class T>
 struct qv_param_traits<qv_list<T*>> {
   using result = qv_list<T*>;
+  static constexpr qv_param::param_type declared = qv_param::type_item_list;
   static constexpr bool accepts(int type) { return type == qv_param::type_item_list; }
   static result get(const qv_param& p) {
     qv_list<T*> list;

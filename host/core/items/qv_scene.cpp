@@ -107,9 +107,9 @@ qv_list<qv_item*> qv_scene::get_referrers(const std::string& type_name,
                                           const std::string& param_name, const qv_item* item) {
   qv_list<qv_item*> found;
   const qv_item_type* const type = qv_item_type::find(type_name);
-  if (item == nullptr || item->referrers_ == nullptr || type == nullptr) return found;
+  if (item == nullptr || type == nullptr) return found;
   bool ordered = true;
-  for (const qv_param* param : item->referrers_->params) {
+  for (const qv_param* param : item->referrers_) {
     qv_item* const owner = param->get_owner();
     if (owner == nullptr || owner->scene_ != this || owner == this) continue;
     if (!param_name.empty() && param->get_name() != param_name) continue;

@@ -1,6 +1,7 @@
 #include "core/shapes/qvi_mesh.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <vector>
@@ -36,28 +37,51 @@ qv_triangulation qvi_mesh::build_triangulation() {
   return {};
 }
 
-const qv_triangulation& qvi_mesh::get_triangulation() {
+namespace {
+
+// Keeps a triangulation, without room to spare. Most surfaces are quadrangles, whose triangles are
+// numbered in one of a few ways once their vertices are kept elsewhere: those made last are shared.
+std::shared_ptr<const qv_triangulation> keep(const qv_triangulation& made) {
+  static auto& recent = *new std::array<std::shared_ptr<const qv_triangulation>, 4>;
+  constexpr int most_indices = 12;
+  if (!made.vertices.is_empty() || made.triangles.get_count() > most_indices)
+    return std::make_shared<const qv_triangulation>(made);
+  for (const auto& known : recent)
+    if (known != nullptr && known->triangles == made.triangles) return known;
+  std::rotate(recent.begin(), recent.end() - 1, recent.end());
+  return recent[0] = std::make_shared<const qv_triangulation>(made);
+}
+
+}  // namespace
+
+const qvi_mesh::derived_geometry& qvi_mesh::get_derived() {
   derived_geometry& derived = derived_.get();
   const unsigned int date = get_shape_date();
-  if (!derived.built || derived.built_date != date) {
-    derived.triangulation = build_triangulation();
+  if (derived.triangulation == nullptr || derived.built_date != date) {
+    qv_triangulation made = build_triangulation();
+    derived.has_own_vertices = made.vertices == get_vertices();
+    if (derived.has_own_vertices) made.vertices.clear();
+    derived.triangulation = keep(made);
     derived.built_date = date;
-    derived.built = true;
   }
-  return derived.triangulation;
+  return derived;
 }
 
 const qv_list<qv_3dvector>& qvi_mesh::get_triangle_vertices() {
-  return has_own_triangles() ? get_vertices() : get_triangulation().vertices;
+  if (has_own_triangles()) return get_vertices();
+  const derived_geometry& derived = get_derived();
+  return derived.has_own_vertices ? get_vertices() : derived.triangulation->vertices;
 }
 
 const qv_list<int>& qvi_mesh::get_triangle_indices() {
-  return has_own_triangles() ? triangles_param_->get_int_list() : get_triangulation().triangles;
+  return has_own_triangles() ? get_param(triangles_param_)->get_int_list()
+                             : get_derived().triangulation->triangles;
 }
 
 qv_triangulation qvi_mesh::copy_triangles() {
   const derived_geometry* const derived = derived_.find();
-  const bool kept = derived != nullptr && derived->built && derived->built_date == get_shape_date();
+  const bool kept = derived != nullptr && derived->triangulation != nullptr &&
+                    derived->built_date == get_shape_date();
   if (!has_own_triangles() && !kept) return build_triangulation();
   return {get_triangle_vertices(), get_triangle_indices()};
 }
@@ -141,7 +165,8 @@ void qvi_mesh::matrix_transform(const qv_matrix& matrix, bool notify) {
   if (!has_own_triangles()) return;
   store_vertices(get_transformed(get_vertices(), matrix), notify);
   if (matrix.get_determinant() < 0)
-    store_geometry<qv_list<int>>(triangles_param_, get_turned_triangles(get_triangles()), notify);
+    store_geometry<qv_list<int>>(get_param(triangles_param_), get_turned_triangles(get_triangles()),
+                                 notify);
 }
 
 void qvi_mesh::push_offset(float distance) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "core/items/qv_accessors.h"
 #include "core/shapes/qv_shared_record.h"
 #include "core/shapes/qvi_shader.h"
@@ -122,7 +124,7 @@ class qvi_mesh : public qv_item {
     }
   }
   void store_vertices(const qv_list<qv_3dvector>& vertices, bool notify) {
-    store_geometry<qv_list<qv_3dvector>>(vertices_param_, vertices, notify);
+    store_geometry<qv_list<qv_3dvector>>(get_param(vertices_param_), vertices, notify);
   }
   /// Back to front and front to back.
   void exchange_shaders();
@@ -134,11 +136,12 @@ class qvi_mesh : public qv_item {
   struct derived_geometry {
     unsigned int quiet_date = 0;  // of the latest change without notification
     unsigned int built_date = 0;  // shape date of the triangulation
-    bool built = false;
-    qv_triangulation triangulation;
+    // The triangulation's vertices are the "vertices" parameter, and not kept twice.
+    bool has_own_vertices = false;
+    std::shared_ptr<const qv_triangulation> triangulation;  // null until first asked for
   };
 
-  const qv_triangulation& get_triangulation();
+  const derived_geometry& get_derived();
   void draw_shaded();
   void draw_highlight();
 

@@ -105,7 +105,7 @@ qv_box qvi_mesh_instance::get_local_bounding_box() {
 }
 
 void qvi_mesh_instance::matrix_transform(const qv_matrix& matrix, bool notify) {
-  store_geometry<qv_matrix>(matrix_param_, matrix * get_matrix(), notify);
+  store_geometry<qv_matrix>(get_param(matrix_param_), matrix * get_matrix(), notify);
 }
 
 void qvi_mesh_instance::reverse() {

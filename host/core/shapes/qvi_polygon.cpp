@@ -57,7 +57,8 @@ void qvi_polygon::merge(const qv_list<qvi_mesh*>& others) {
 }
 
 void qvi_polygon::matrix_transform(const qv_matrix& matrix, bool notify) {
-  store_geometry<qv_3dvector>(normal_param_, get_transformed_normal(get_normal(), matrix), notify);
+  store_geometry<qv_3dvector>(get_param(normal_param_),
+                              get_transformed_normal(get_normal(), matrix), notify);
   store_vertices(get_transformed_contours(get_vertices(), get_contour_sizes(), matrix), notify);
 }
 

@@ -39,19 +39,19 @@ float qvi_shader::get_diffuse_transmission(qv_spectrum spectrum) const {
 }
 
 void qvi_shader::set_direct_reflexion(float value, qv_spectrum spectrum) {
-  set_coefficient(direct_reflexion_param_, value, spectrum, 0);
+  set_coefficient(get_param(direct_reflexion_param_), value, spectrum, 0);
 }
 
 void qvi_shader::set_direct_transmission(float value, qv_spectrum spectrum) {
-  set_coefficient(direct_transmission_param_, value, spectrum, 0);
+  set_coefficient(get_param(direct_transmission_param_), value, spectrum, 0);
 }
 
 void qvi_shader::set_diffuse_reflexion(float value, qv_spectrum spectrum) {
-  set_coefficient(diffuse_reflexion_param_, value, spectrum, default_diffuse_reflexion);
+  set_coefficient(get_param(diffuse_reflexion_param_), value, spectrum, default_diffuse_reflexion);
 }
 
 void qvi_shader::set_diffuse_transmission(float value, qv_spectrum spectrum) {
-  set_coefficient(diffuse_transmission_param_, value, spectrum, 0);
+  set_coefficient(get_param(diffuse_transmission_param_), value, spectrum, 0);
 }
 
 void qvi_shader::set_coefficient(qv_param* param, float value, qv_spectrum spectrum,

@@ -186,7 +186,7 @@ qv_triangulation qvi_solid::build_triangulation() {
 void qvi_solid::matrix_transform(const qv_matrix& matrix, bool notify) {
   qv_list<qv_3dvector> normals = get_face_normals();
   for (qv_3dvector& normal : normals) normal = get_transformed_normal(normal, matrix);
-  store_geometry<qv_list<qv_3dvector>>(face_normals_param_, normals, notify);
+  store_geometry<qv_list<qv_3dvector>>(get_param(face_normals_param_), normals, notify);
   store_vertices(get_transformed_contours(get_vertices(), get_contour_sizes(), matrix), notify);
 }
 
