@@ -8,7 +8,10 @@ target_compile_options(qv_flags INTERFACE -ffp-contract=off -Wall -Wextra -Wpeda
                                           -Wnon-virtual-dtor -Woverloaded-virtual
                                           # GCC 12 sees overlaps in std::string that are not there
                                           # (its bug 105651).
-                                          -Wno-restrict)
+                                          -Wno-restrict
+                                          # Nobody replaces a function of these libraries at run
+                                          # time, so that they may be inlined within them.
+                                          $<$<CONFIG:Release>:-fno-semantic-interposition>)
 if(QV_WARNINGS_AS_ERRORS)
   target_compile_options(qv_flags INTERFACE -Werror)
 endif()

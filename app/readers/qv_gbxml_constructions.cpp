@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <utility>
 
 #include "app/readers/qv_unique_ids.h"
@@ -24,13 +25,15 @@ std::string with_digits(double value) {
   return text.data();
 }
 
+// The same for values that are the same in the items, which hold single precision.
 std::string key_of(std::initializer_list<std::optional<double>> values) {
   std::string key;
   for (const auto& value : values) {
-    std::array<char, 40> text{};
-    if (value) std::snprintf(text.data(), text.size(), "%.9g", *value);
-    key += text.data();
-    key += '|';
+    const auto number = static_cast<float>(value.value_or(0));
+    std::array<char, sizeof number> bytes{};
+    std::memcpy(bytes.data(), &number, sizeof number);
+    key += value ? '=' : '-';
+    key.append(bytes.data(), bytes.size());
   }
   return key;
 }

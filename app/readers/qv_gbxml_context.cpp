@@ -1,10 +1,50 @@
 #include "app/readers/qv_gbxml_context.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
-#include <numeric>
+#include <cstdint>
 #include <utility>
+
+namespace {
+
+// Spellings of units that are remembered; more is no building model.
+constexpr std::size_t most_known_units = 32;
+
+// Reads a number of at most 15 digits without exponent, which is what models are made of. Its
+// digits and the power of ten are exact in double precision, so that their quotient is the number
+// nearest to the text, as `from_chars` gives it. False for anything else.
+bool read_plain_number(std::string_view text, double& value) {
+  constexpr int most_digits = 15;
+  constexpr std::array<double, most_digits + 1> power = {
+      1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  const bool negative = at != end && *at == '-';
+  if (negative) ++at;
+  std::int64_t digits = 0;
+  int count = 0;
+  int behind_point = 0;
+  bool point = false;
+  for (; at != end; ++at) {
+    const auto digit = static_cast<unsigned>(*at - '0');
+    if (digit > 9) {
+      if (*at != '.' || point) return false;
+      point = true;
+      continue;
+    }
+    if (++count > most_digits) return false;
+    digits = digits * 10 + static_cast<std::int64_t>(digit);
+    if (point) ++behind_point;
+  }
+  if (count == 0) return false;
+  const double size = static_cast<double>(digits) / power[static_cast<std::size_t>(behind_point)];
+  value = negative ? -size : size;
+  return true;
+}
+
+}  // namespace
 
 namespace qv {
 
@@ -38,6 +78,8 @@ void qv_gbxml_context::read_root_units() {
 }
 
 std::optional<double> qv_gbxml_context::parse_number(std::string_view text) {
+  double plain = 0;
+  if (read_plain_number(text, plain)) return plain;
   if (text.starts_with('+')) text.remove_prefix(1);
   double value = 0;
   const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -51,7 +93,13 @@ qv_unit qv_gbxml_context::get_unit(qv_xml_element element, qv_quantity quantity)
   const qv_unit inherited = index < root_units_.size() ? root_units_[index] : qv_unit{};
   const std::string_view own = element.get_attribute("unit");
   if (own.empty()) return inherited;
-  if (const auto found = qv_find_unit(quantity, own)) return *found;
+  for (const known_unit& known : known_units_)
+    if (known.quantity == quantity && known.name == own) return known.unit;
+  if (const auto found = qv_find_unit(quantity, own)) {
+    if (known_units_.size() < most_known_units)
+      known_units_.push_back({quantity, std::string(own), *found});
+    return *found;
+  }
   warn(element, "the unit \"" + qv_one_line(std::string(own), 60) + "\" of a " +
                     std::string(element.get_name()) + " is not known; " +
                     (index < root_units_.size() ? "the file's own" : "SI") + " is assumed");
@@ -94,14 +142,14 @@ void qv_gbxml_context::finish() {
     model_.warnings.push_back(qv_one_line(text, 1000));
   }
   // In the order of the file, so that its lines are counted once.
-  std::vector<std::size_t> order(entry_offsets_.size());
-  std::iota(order.begin(), order.end(), std::size_t{0});
-  std::sort(order.begin(), order.end(),
-            [this](std::size_t a, std::size_t b) { return entry_offsets_[a] < entry_offsets_[b]; });
-  for (const std::size_t i : order) {
-    model_.ledger.set_line(i, document_.get_line(entry_offsets_[i]));
-    if (model_.ledger.get_entries()[i].reason.empty())
-      model_.ledger.amend(i, qv_import_ledger::outcome::kept, "as it stands");
+  std::vector<std::pair<std::size_t, std::size_t>> in_order;
+  in_order.reserve(entry_offsets_.size());
+  for (const std::size_t offset : entry_offsets_) in_order.emplace_back(offset, in_order.size());
+  std::sort(in_order.begin(), in_order.end());
+  for (const auto& [offset, entry] : in_order) {
+    model_.ledger.set_line(entry, document_.get_line(offset));
+    if (model_.ledger.get_entries()[entry].reason.empty())
+      model_.ledger.amend(entry, qv_import_ledger::outcome::kept, "as it stands");
   }
 }
 

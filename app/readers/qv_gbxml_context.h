@@ -61,9 +61,17 @@ class qv_gbxml_context {
     int count = 0;
   };
 
+  // Names of units that elements bear, as found; a file has few.
+  struct known_unit {
+    qv_quantity quantity;
+    std::string name;
+    qv_unit unit;
+  };
+
   const qv_xml_document& document_;
   qv_gbxml_model& model_;
   std::array<qv_unit, 4> root_units_;  // length, area, volume, temperature
+  std::vector<known_unit> known_units_;
   std::vector<warning> warnings_;
   std::vector<std::size_t> entry_offsets_;  // in the document, one for each ledger entry
   std::unordered_map<std::string, std::size_t> warning_by_words_;

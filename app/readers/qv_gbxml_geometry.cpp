@@ -14,6 +14,9 @@ using qv::qv_loop;
 using qv::qv_quantity;
 using qv::qv_xml_element;
 
+// Room for the corners of most surfaces.
+constexpr std::size_t usual_corner_count = 8;
+
 // Reads a CartesianPoint; returns what is wrong with it, or an empty text.
 std::string read_point(qv_xml_element point, double factor, qv_double3& result) {
   std::array<double, 3> c{};
@@ -85,6 +88,11 @@ qv_read_polygon qv_read_surface_polygon(qv_gbxml_context& context, qv_xml_elemen
     if (!planar && name.starts_with("Planar")) planar = child;
     if (!rectangle && name == "RectangularGeometry") rectangle = child;
   }
+  return qv_read_surface_polygon(context, planar, rectangle);
+}
+
+qv_read_polygon qv_read_surface_polygon(qv_gbxml_context& context, qv_xml_element planar,
+                                        qv_xml_element rectangle) {
   qv_read_polygon result;
   if (!planar || !has_point(planar)) {
     if (rectangle) {
@@ -96,6 +104,7 @@ qv_read_polygon qv_read_surface_polygon(qv_gbxml_context& context, qv_xml_elemen
   }
   const qv_xml_element loop = planar.get_child("PolyLoop");
   const double factor = context.get_unit(planar, qv_quantity::length).factor;
+  result.points.reserve(usual_corner_count);
   result.fault = qv_read_poly_loop(loop, factor, result.points);
   if (!result.fault.empty()) return result;
   for (qv_xml_element next = loop.get_next(); next; next = next.get_next()) {

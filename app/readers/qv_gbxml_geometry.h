@@ -31,4 +31,9 @@ struct qv_read_polygon {
 /// outside's, clockwise from +Y, its Tilt that of the outward normal from the upward vertical.
 qv_read_polygon qv_read_surface_polygon(qv_gbxml_context& context, qv_xml_element surface);
 
+/// As above for a caller that goes over the children itself: `planar` is the first child whose name
+/// begins with "Planar", `rectangle` the first RectangularGeometry, each null when there is none.
+qv_read_polygon qv_read_surface_polygon(qv_gbxml_context& context, qv_xml_element planar,
+                                        qv_xml_element rectangle);
+
 }  // namespace qv

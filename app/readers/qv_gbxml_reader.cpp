@@ -30,7 +30,7 @@ std::string read_program(qv::qv_xml_element root) {
 void build_model(qv::qv_gbxml_context& context) {
   const qv::qv_xml_element root = context.get_document().get_root();
   if (!root.is("gbXML"))
-    context.fail(root, "is not gbXML: its root is <" + std::string(root.get_full_name()) + ">",
+    context.fail(root, "is not gbXML: its root is <" + context.get_document().get_root_name() + ">",
                  "export the model as gbXML");
   context.read_root_units();
   qv::qv_gbxml_model& model = context.get_model();

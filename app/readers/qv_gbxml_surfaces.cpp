@@ -67,13 +67,55 @@ const std::vector<int>* single_contour(const qv_gbxml_surface& surface) {
 
 namespace qv {
 
+// What a Surface element consists of.
+struct qv_gbxml_surfaces::surface_parts {
+  std::string_view id;
+  std::string_view type;
+  std::string_view construction;
+  std::string_view name;
+  qv_xml_element planar;
+  qv_xml_element rectangle;
+  std::vector<std::string_view> spaces;  // that it names, in its order
+
+  void collect(qv_xml_element element) {
+    id = type = construction = name = {};
+    planar = rectangle = {};
+    spaces.clear();
+    element.for_each_attribute([this](std::string_view what, std::string_view value) {
+      if (what == "id") {
+        id = value;
+      } else if (what == "surfaceType") {
+        type = value;
+      } else if (what == "constructionIdRef") {
+        construction = value;
+      }
+    });
+    bool named = false;
+    for (const qv_xml_element child : element) {
+      const std::string_view what = child.get_name();
+      if (what == "AdjacentSpaceId") {
+        spaces.push_back(child.get_attribute("spaceIdRef"));
+      } else if (what == "Name") {
+        if (!named) name = child.get_text();
+        named = true;
+      } else if (what == "RectangularGeometry") {
+        if (!rectangle) rectangle = child;
+      } else if (what.starts_with("Planar")) {
+        if (!planar) planar = child;
+      }
+    }
+  }
+};
+
 void qv_gbxml_surfaces::read() {
   const auto& places = site_.get_surfaces();
   if (places.empty())
     context_.fail(context_.get_document().get_root(), "holds no Surface",
                   "export the model with its analytical surfaces");
   surfaces_.reserve(places.size());
-  for (const qv_gbxml_site::surface_place& place : places) read_surface(place);
+  surface_parts parts;
+  for (const qv_gbxml_site::surface_place& place : places) read_surface(place, parts);
+  surface_by_id_.reserve(surfaces_.size());
   for (std::size_t i = 0; i < surfaces_.size(); ++i) {
     if (surfaces_[i].id.empty()) continue;
     const auto [slot, fresh] = surface_by_id_.try_emplace(surfaces_[i].id, static_cast<int>(i));
@@ -82,28 +124,28 @@ void qv_gbxml_surfaces::read() {
   site_.check_boundaries(surface_by_id_);
 }
 
-void qv_gbxml_surfaces::read_surface(const qv_gbxml_site::surface_place& place) {
-  qv_gbxml_surface surface;
+void qv_gbxml_surfaces::read_surface(const qv_gbxml_site::surface_place& place,
+                                     surface_parts& parts) {
+  parts.collect(place.element);
+  qv_gbxml_surface& surface = surfaces_.emplace_back();
   surface.element = place.element;
   surface.campus = place.campus;
-  surface.id = std::string(place.element.get_attribute("id"));
-  const std::string_view name = place.element.get_child_text("Name");
-  surface.name = name.empty() ? surface.id : std::string(name);
+  surface.id = parts.id;
+  surface.name = parts.name.empty() ? parts.id : parts.name;
   surface.entry = context_.add_entry(kind::surface, place.element, outcome::kept, "");
   qv_import_ledger& ledger = context_.get_ledger();
 
-  const std::string_view type = place.element.get_attribute("surfaceType");
   bool guessed = false;
-  surface.type = qv_find_surface_type(type, guessed);
+  surface.type = qv_find_surface_type(parts.type, guessed);
   if (guessed || surface.type == qv_surface_type::unknown)
     ledger.amend(surface.entry, outcome::repaired,
-                 "surfaceType " + quoted(type) + " is none; " +
+                 "surfaceType " + quoted(parts.type) + " is none; " +
                      (guessed ? std::string("read as ") + qv_get_surface_type_name(surface.type)
                               : "its spaces and slope decide"));
-  read_adjacency(surface);
-  read_construction(surface);
+  find_spaces(surface, parts.spaces);
+  find_construction(surface, parts.construction);
 
-  qv_read_polygon raw = qv_read_surface_polygon(context_, place.element);
+  qv_read_polygon raw = qv_read_surface_polygon(context_, parts.planar, parts.rectangle);
   if (raw.fault.empty()) {
     surface.polygon = qv_clean_polygon(std::move(raw.points));
     if (!raw.further.empty())
@@ -117,7 +159,6 @@ void qv_gbxml_surfaces::read_surface(const qv_gbxml_site::surface_place& place) 
     ledger.amend(surface.entry, outcome::repaired, repair);
   if (surface.polygon.parts.empty())
     ledger.amend(surface.entry, outcome::dropped, surface.polygon.fault);
-  surfaces_.push_back(std::move(surface));
 }
 
 std::vector<qv_loop> qv_gbxml_surfaces::read_outlines(qv_xml_element surface) {
@@ -127,14 +168,12 @@ std::vector<qv_loop> qv_gbxml_surfaces::read_outlines(qv_xml_element surface) {
   return outlines;
 }
 
-void qv_gbxml_surfaces::read_adjacency(qv_gbxml_surface& surface) {
+void qv_gbxml_surfaces::find_spaces(qv_gbxml_surface& surface,
+                                    const std::vector<std::string_view>& names) {
   qv_import_ledger& ledger = context_.get_ledger();
-  int named = 0;
-  std::vector<int> found;
-  for (const qv_xml_element child : surface.element) {
-    if (!child.is("AdjacentSpaceId")) continue;
-    ++named;
-    const std::string_view reference = child.get_attribute("spaceIdRef");
+  found_.clear();
+  std::vector<int>& found = found_;
+  for (const std::string_view reference : names) {
     const int space = site_.find_space(reference);
     if (space >= 0) {
       found.push_back(space);
@@ -144,7 +183,7 @@ void qv_gbxml_surfaces::read_adjacency(qv_gbxml_surface& surface) {
     }
   }
   if (found.empty()) {
-    if (named == 0 && surface.type != qv_surface_type::shade)
+    if (names.empty() && surface.type != qv_surface_type::shade)
       ledger.amend(surface.entry, outcome::kept, "it names no space: shading only");
     return;
   }
@@ -169,8 +208,7 @@ void qv_gbxml_surfaces::read_adjacency(qv_gbxml_surface& surface) {
     ledger.amend(surface.entry, outcome::repaired, "a shade between two spaces: it bounds both");
 }
 
-void qv_gbxml_surfaces::read_construction(qv_gbxml_surface& surface) {
-  const std::string_view reference = surface.element.get_attribute("constructionIdRef");
+void qv_gbxml_surfaces::find_construction(qv_gbxml_surface& surface, std::string_view reference) {
   if (reference.empty()) return;
   surface.construction = constructions_.find(reference);
   if (surface.construction < 0)
@@ -209,32 +247,39 @@ void qv_gbxml_surfaces::bring_to_origin() {
 }
 
 void qv_gbxml_surfaces::number_corners() {
-  for (qv_gbxml_surface& surface : surfaces_)
+  for (qv_gbxml_surface& surface : surfaces_) {
+    surface.shells.reserve(surface.polygon.parts.size());
     for (const qv_plane_part& part : surface.polygon.parts) {
-      qv_shell_polygon shell;
+      qv_shell_polygon& shell = surface.shells.emplace_back();
       for (const qv_loop& contour : part.contours) {
         std::vector<int>& numbers = shell.contours.emplace_back();
         numbers.reserve(contour.size());
         for (const qv_double3& p : contour) numbers.push_back(welder_.weld(p));
       }
-      surface.shells.push_back(std::move(shell));
     }
+  }
 }
 
 void qv_gbxml_surfaces::merge_duplicates() {
   number_corners();
-  std::unordered_multimap<std::uint64_t, int> by_contour;
+  // Surfaces of the same contour follow each other in chains, the first one first.
+  std::unordered_map<std::uint64_t, int> first_of;
+  first_of.reserve(surfaces_.size());
+  std::vector<int> next(surfaces_.size(), -1);
   for (std::size_t i = 0; i < surfaces_.size(); ++i) {
     const std::vector<int>* contour = single_contour(surfaces_[i]);
     if (contour == nullptr) continue;
-    const std::uint64_t hash = contour_hash(*contour);
-    const auto [first, last] = by_contour.equal_range(hash);
-    const bool merged = std::any_of(first, last, [&](const auto& candidate) {
-      qv_gbxml_surface& earlier = surfaces_[static_cast<std::size_t>(candidate.second)];
-      return is_same_contour(*single_contour(earlier), *contour) &&
-             merge(earlier, candidate.second, surfaces_[i]);
-    });
-    if (!merged) by_contour.emplace(hash, static_cast<int>(i));
+    const auto [slot, fresh] = first_of.try_emplace(contour_hash(*contour), static_cast<int>(i));
+    if (fresh) continue;
+    for (int earlier = slot->second;; earlier = next[static_cast<std::size_t>(earlier)]) {
+      qv_gbxml_surface& candidate = surfaces_[static_cast<std::size_t>(earlier)];
+      if (is_same_contour(*single_contour(candidate), *contour) &&
+          merge(candidate, earlier, surfaces_[i]))
+        break;
+      if (next[static_cast<std::size_t>(earlier)] >= 0) continue;
+      next[static_cast<std::size_t>(earlier)] = static_cast<int>(i);
+      break;
+    }
   }
   check_ids();
 }

@@ -65,10 +65,12 @@ class qv_gbxml_surfaces {
   const std::vector<qv_double3>& get_points() const { return welder_.get_points(); }
 
  private:
-  void read_surface(const qv_gbxml_site::surface_place& place);
+  struct surface_parts;
+
+  void read_surface(const qv_gbxml_site::surface_place& place, surface_parts& parts);
+  void find_spaces(qv_gbxml_surface& surface, const std::vector<std::string_view>& names);
+  void find_construction(qv_gbxml_surface& surface, std::string_view reference);
   std::vector<qv_loop> read_outlines(qv_xml_element surface);
-  void read_adjacency(qv_gbxml_surface& surface);
-  void read_construction(qv_gbxml_surface& surface);
   void number_corners();
   bool merge(qv_gbxml_surface& first, int first_number, qv_gbxml_surface& second);
   void check_ids();
@@ -79,6 +81,7 @@ class qv_gbxml_surfaces {
   std::vector<qv_gbxml_surface> surfaces_;
   std::unordered_map<std::string_view, int> surface_by_id_;
   std::vector<std::pair<int, int>> same_ids_;
+  std::vector<int> found_;  // spaces of the surface that is being read
   qv_vertex_welder welder_;
 };
 

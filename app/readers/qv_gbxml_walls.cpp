@@ -1,6 +1,7 @@
 #include "app/readers/qv_gbxml_walls.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -39,16 +40,32 @@ struct opinion {
   }
 };
 
+// Air lets light through, and what bounds no space takes no part in measuring.
+const qv::qv_list<std::string>& get_raytracing_layers(bool is_solid, bool bounds) {
+  static const auto make = [](bool solid, bool bounding) {
+    qv::qv_list<std::string> layers;
+    if (solid) layers.append("simulation");
+    layers.append("picking");
+    if (bounding) layers.append("bim");
+    return layers;
+  };
+  static const std::array<qv::qv_list<std::string>, 4> layers = {
+      make(false, false), make(false, true), make(true, false), make(true, true)};
+  return layers[(is_solid ? 2U : 0U) + (bounds ? 1U : 0U)];
+}
+
 // Area of the polygon item, from its own single-precision corners, m².
 double item_area(const qv::qvi_polygon& polygon, const qv_double3& normal) {
   const auto& vertices = polygon.get_vertices();
+  const auto at = [&vertices](int i) {
+    return qv_double3{vertices[i].x, vertices[i].y, vertices[i].z};
+  };
   qv_double3 sum;
   int first = 0;
   for (const unsigned int size : polygon.get_contour_sizes()) {
-    qv::qv_loop contour;
-    for (int i = first; i < first + static_cast<int>(size); ++i)
-      contour.push_back({vertices[i].x, vertices[i].y, vertices[i].z});
-    sum = sum + qv_vector_area(contour);
+    const qv_double3 start = at(first);
+    for (int i = first + 2; i < first + static_cast<int>(size); ++i)
+      sum = sum + (at(i - 1) - start).cross(at(i) - start) * 0.5;
     first += static_cast<int>(size);
   }
   return sum.dot(normal);
@@ -205,17 +222,15 @@ void qv_gbxml_walls::make_wall(qv_gbxml_surface& surface, std::size_t part, qv_u
   qv_list<unsigned int> sizes;
   for (const qv_loop& contour : plane.contours) {
     sizes.append(static_cast<unsigned int>(contour.size()));
+    vertices.reserve(vertices.get_count() + static_cast<int>(contour.size()));
     for (const qv_double3& p : contour) vertices.append(to_single(p));
   }
   face->set_vertices(vertices);
   face->set_contour_sizes(sizes);
   face->set_normal(to_single(plane.normal));
-  qv_list<std::string> layers;
-  if (is_solid) layers.append("simulation");
-  layers.append("picking");
-  if (bounds) layers.append("bim");
-  face->set_raytracing_layers(layers);
-  face->set_rendering_layers({"main"});
+  face->set_raytracing_layers(get_raytracing_layers(is_solid, bounds));
+  static const qv_list<std::string> main_layer = {"main"};
+  face->set_rendering_layers(main_layer);
 
   auto* wall = new qvi_wall;
   wall->set_name(several ? surface.name + " (" + std::to_string(part + 1) + ")" : surface.name);

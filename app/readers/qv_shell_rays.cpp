@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -27,11 +29,18 @@ class flat_view {
     } else {
       axis_ = std::abs(n.y) >= std::abs(n.z) ? 1 : 2;
     }
+    for (const qv_loop& contour : part_.contours)
+      for (const qv_double3& p : contour) {
+        const auto [u, v] = flatten(p);
+        low_ = {std::min(low_.first, u), std::min(low_.second, v)};
+        high_ = {std::max(high_.first, u), std::max(high_.second, v)};
+      }
   }
 
   // Even-odd rule over all contours.
   bool contains(const qv_double3& p) const {
     const auto [u, v] = flatten(p);
+    if (u < low_.first || u > high_.first || v < low_.second || v > high_.second) return false;
     bool inside = false;
     for (const qv_loop& contour : part_.contours)
       for (std::size_t i = 0, j = contour.size() - 1; i < contour.size(); j = i++) {
@@ -49,8 +58,13 @@ class flat_view {
     return {p.x, p.y};
   }
 
+  static constexpr double infinity = std::numeric_limits<double>::infinity();
+
   const qv_plane_part& part_;
   int axis_ = 2;
+  // The rectangle around the part.
+  std::pair<double, double> low_ = {infinity, infinity};
+  std::pair<double, double> high_ = {-infinity, -infinity};
 };
 
 // A point inside the part: its middle, or the middle of one of its corners' triangles.

@@ -57,7 +57,7 @@ void remove_repeats(qv_loop& points, std::vector<std::string>& repairs) {
 double perimeter(const qv_loop& loop) {
   double sum = 0;
   for (std::size_t i = 0; i < loop.size(); ++i)
-    sum += (loop[(i + 1) % loop.size()] - loop[i]).length();
+    sum += (loop[i + 1 < loop.size() ? i + 1 : 0] - loop[i]).length();
   return sum;
 }
 
@@ -114,19 +114,32 @@ bool cross_properly(const point2& a, const point2& b, const point2& c, const poi
   return opposite(c_side, d_side) && opposite(a_side, b_side);
 }
 
+// True when the contour only turns left, and once around. Edges turn once around when their first
+// coordinate changes its sign no more than twice.
 bool is_convex(const std::vector<point2>& flat) {
   const std::size_t n = flat.size();
-  double turned = 0;
+  const auto edge = [&flat, n](std::size_t i) {
+    const point2& from = flat[i];
+    const point2& to = flat[i + 1 < n ? i + 1 : 0];
+    return point2{to.a - from.a, to.b - from.b};
+  };
+  point2 before = edge(n - 1);
+  double first = 0;
+  double last = 0;
+  int changes = 0;
   for (std::size_t i = 0; i < n; ++i) {
-    const point2& a = flat[i];
-    const point2& b = flat[(i + 1) % n];
-    const point2& c = flat[(i + 2) % n];
-    const double sine = turn(a, b, c);
-    if (sine < 0) return false;
-    turned += std::atan2(sine, (b.a - a.a) * (c.a - b.a) + (b.b - a.b) * (c.b - b.b));
+    const point2 e = edge(i);
+    const double sine = before.a * e.b - before.b * e.a;
+    if (sine < 0 || (sine == 0 && before.a * e.a + before.b * e.b < 0)) return false;
+    if (e.a != 0) {
+      if (last != 0 && (e.a > 0) != (last > 0)) ++changes;
+      if (first == 0) first = e.a;
+      last = e.a;
+    }
+    before = e;
   }
-  constexpr double just_over_one_turn = 7;  // radians; two turns would be 12.6
-  return turned < just_over_one_turn;
+  if ((first > 0) != (last > 0)) ++changes;
+  return changes <= 2;
 }
 
 bool crosses_itself(const std::vector<point2>& flat, double size) {
@@ -212,12 +225,20 @@ std::vector<qv_loop> cut_ears(const qv_loop& loop, const qv_double3& normal) {
   return triangles;
 }
 
+void add_part(qv::qv_source_polygon& result, qv_loop&& contour, const qv_double3& normal,
+              double area) {
+  qv::qv_plane_part& part = result.parts.emplace_back();
+  part.contours.push_back(std::move(contour));
+  part.normal = normal;
+  part.area = area;
+}
+
 void add_triangles(const qv_loop& loop, const qv_double3& normal, qv::qv_source_polygon& result) {
   for (qv_loop& triangle : cut_ears(loop, normal)) {
     const qv_double3 area = qv_vector_area(triangle);
     if (area.length() < limits::least_area) continue;
     result.area += area.length();
-    result.parts.push_back({{std::move(triangle)}, unit(area), area.length()});
+    add_part(result, std::move(triangle), unit(area), area.length());
   }
 }
 
@@ -286,7 +307,7 @@ qv_source_polygon qv_clean_polygon(qv_loop points) {
                              " off a plane and were moved onto it");
   if (deviation > limits::repeated_point)
     for (qv_double3& p : points) p = p - across * (p - middle).dot(across);
-  result.parts.push_back({{std::move(points)}, across, result.area});
+  add_part(result, std::move(points), across, result.area);
   return result;
 }
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <numeric>
-#include <tuple>
 #include <utility>
 
 #include "app/readers/qv_shell_rays.h"
@@ -37,19 +37,27 @@ void add_edge(std::vector<edge>& edges, int from, int to, int face, int side) {
 }
 
 std::vector<edge> collect_edges(std::span<const qv_shell_face> faces) {
+  std::size_t count = 0;
+  for (const qv_shell_face& face : faces)
+    for (const std::vector<int>& contour : face.polygon->contours) count += contour.size();
   std::vector<edge> edges;
+  edges.reserve(count);
   for (std::size_t f = 0; f < faces.size(); ++f)
     for (const std::vector<int>& contour : faces[f].polygon->contours)
-      for (std::size_t i = 0; i < contour.size(); ++i)
-        add_edge(edges, contour[i], contour[(i + 1) % contour.size()], static_cast<int>(f),
-                 faces[f].side);
+      for (std::size_t i = 0, before = contour.size() - 1; i < contour.size(); before = i++)
+        add_edge(edges, contour[before], contour[i], static_cast<int>(f), faces[f].side);
   return edges;
 }
 
 void sort_edges(std::vector<edge>& edges) {
-  std::sort(edges.begin(), edges.end(), [](const edge& a, const edge& b) {
-    return std::tie(a.low, a.high, a.face, a.direction) <
-           std::tie(b.low, b.high, b.face, b.direction);
+  const auto line = [](const edge& e) {
+    return static_cast<std::uint64_t>(e.low) << 32U | static_cast<std::uint64_t>(e.high);
+  };
+  std::sort(edges.begin(), edges.end(), [&line](const edge& a, const edge& b) {
+    const std::uint64_t line_a = line(a);
+    const std::uint64_t line_b = line(b);
+    if (line_a != line_b) return line_a < line_b;
+    return a.face != b.face ? a.face < b.face : a.direction < b.direction;
   });
 }
 
@@ -66,62 +74,108 @@ void for_each_line(std::vector<edge>& edges, Visitor visit) {
 
 // Takes out the seams along which a single face runs to and fro.
 void remove_seams(std::vector<edge>& edges) {
-  std::vector<edge> kept;
-  kept.reserve(edges.size());
-  for (const edge& next : edges) {
-    if (!kept.empty() && same_line(kept.back(), next) && kept.back().face == next.face &&
-        kept.back().direction == -next.direction) {
-      kept.pop_back();
+  std::size_t kept = 0;
+  for (const edge next : edges) {
+    if (kept > 0 && same_line(edges[kept - 1], next) && edges[kept - 1].face == next.face &&
+        edges[kept - 1].direction == -next.direction) {
+      --kept;
     } else {
-      kept.push_back(next);
+      edges[kept++] = next;
     }
   }
-  edges = std::move(kept);
+  edges.resize(kept);
 }
 
-// The corners on the inside of the segment, in its order.
-std::vector<int> corners_on(const edge& whole, const std::vector<int>& corners,
-                            const std::vector<qv_double3>& points) {
-  const auto at = [&points](int i) { return points[static_cast<std::size_t>(i)]; };
-  const qv_double3 start = at(whole.low);
-  const qv_double3 along = at(whole.high) - start;
-  const double length = along.length();
-  std::vector<std::pair<double, int>> found;
-  for (const int corner : corners) {
-    if (corner == whole.low || corner == whole.high) continue;
-    const qv_double3 to = at(corner) - start;
-    const double t = to.dot(along) / length;
-    if (t <= 0 || t >= length) continue;
-    if ((to - along * (t / length)).length() <= qv::qv_vertex_welder::distance)
-      found.emplace_back(t, corner);
+// The corners of a shell in the order of one coordinate.
+class sorted_corners {
+ public:
+  sorted_corners(const std::vector<int>& corners, const std::vector<qv_double3>& points,
+                 double qv_double3::*axis)
+      : axis_(axis) {
+    corners_.reserve(corners.size());
+    for (const int corner : corners)
+      corners_.push_back({points[static_cast<std::size_t>(corner)], corner});
+    std::sort(corners_.begin(), corners_.end(),
+              [axis](const corner_point& a, const corner_point& b) {
+                return a.point.*axis < b.point.*axis;
+              });
   }
-  std::sort(found.begin(), found.end());
-  std::vector<int> sorted;
-  sorted.reserve(found.size());
-  for (const auto& [t, corner] : found) sorted.push_back(corner);
-  return sorted;
-}
 
-// Splits edges that a single face has at the corners of other faces that lie on them.
-void split_open_edges(std::vector<edge>& edges, const std::vector<qv_double3>& points) {
-  std::vector<edge> matched;
-  std::vector<edge> open;
-  for_each_line(edges, [&](std::span<edge> line) {
-    auto& target = line.size() == 1 ? open : matched;
-    target.insert(target.end(), line.begin(), line.end());
-  });
-  if (open.empty()) return;
+  double get_width(const qv_double3& a, const qv_double3& b) const {
+    return std::abs(a.*axis_ - b.*axis_);
+  }
+
+  // Adds to `found` the corners on the inside of the segment, each with its place along it.
+  void find_on(const qv_double3& start, const qv_double3& end,
+               std::vector<std::pair<double, int>>& found) const {
+    constexpr double reach = qv::qv_vertex_welder::distance;
+    const double low = std::min(start.*axis_, end.*axis_) - reach;
+    const double high = std::max(start.*axis_, end.*axis_) + reach;
+    const qv_double3 along = end - start;
+    const double square = along.dot(along);
+    auto next = std::lower_bound(
+        corners_.begin(), corners_.end(), low,
+        [this](const corner_point& c, double value) { return c.point.*axis_ < value; });
+    for (; next != corners_.end() && next->point.*axis_ <= high; ++next) {
+      const qv_double3 to = next->point - start;
+      const double t = to.dot(along);
+      if (t <= 0 || t >= square) continue;
+      const qv_double3 aside = to.cross(along);
+      if (aside.dot(aside) <= reach * reach * square) found.emplace_back(t, next->number);
+    }
+  }
+
+ private:
+  struct corner_point {
+    qv_double3 point;
+    int number;
+  };
+
+  double qv_double3::*axis_;
+  std::vector<corner_point> corners_;
+};
+
+std::vector<int> list_corners(const std::vector<edge>& edges) {
   std::vector<int> corners;
+  corners.reserve(2 * edges.size());
   for (const edge& e : edges) {
     corners.push_back(e.low);
     corners.push_back(e.high);
   }
   std::sort(corners.begin(), corners.end());
   corners.erase(std::unique(corners.begin(), corners.end()), corners.end());
+  return corners;
+}
+
+// Splits edges that a single face has at the corners of other faces that lie on them.
+void split_open_edges(std::vector<edge>& edges, const std::vector<qv_double3>& points) {
+  std::size_t open_count = 0;
+  for_each_line(edges, [&](std::span<edge> line) { open_count += line.size() == 1 ? 1 : 0; });
+  if (open_count == 0) return;
+  std::vector<edge> matched;
+  std::vector<edge> open;
+  matched.reserve(edges.size() + open_count);
+  open.reserve(open_count);
+  for_each_line(edges, [&](std::span<edge> line) {
+    auto& target = line.size() == 1 ? open : matched;
+    target.insert(target.end(), line.begin(), line.end());
+  });
+  const std::vector<int> corners = list_corners(edges);
   if (open.size() > largest_splitting_effort / corners.size()) return;
+  // Walls stand upright and most run along an axis: one of the two orders leaves few candidates.
+  const sorted_corners by_x(corners, points, &qv_double3::x);
+  const sorted_corners by_y(corners, points, &qv_double3::y);
+  std::vector<std::pair<double, int>> found;
   for (const edge& whole : open) {
+    const qv_double3& start = points[static_cast<std::size_t>(whole.low)];
+    const qv_double3& end = points[static_cast<std::size_t>(whole.high)];
+    found.clear();
+    (by_x.get_width(start, end) < by_y.get_width(start, end) ? by_x : by_y)
+        .find_on(start, end, found);
+    std::sort(found.begin(), found.end());
     int from = whole.low;
-    for (const int corner : corners_on(whole, corners, points)) {
+    for (const auto& [t, corner] : found) {
+      if (corner == whole.low || corner == whole.high) continue;
       add_edge(matched, from, corner, whole.face, whole.direction);
       from = corner;
     }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 
 #include "app/readers/qv_input_error.h"
@@ -196,27 +195,65 @@ std::size_t character_length(std::string_view text, std::size_t at) {
   return a > 0xF4 || (a == 0xF0 && b < 0x90) || (a == 0xF4 && b >= 0x90) ? 0 : 4;
 }
 
-// Offset of the first byte that is not part of a sound UTF-8 character, npos when all are.
-std::size_t find_unsound_utf8(std::string_view text) {
-  constexpr std::uint64_t high_bits = 0x8080808080808080U;
-  std::size_t i = 0;
-  while (i < text.size()) {
-    while (i + 8 <= text.size()) {
-      std::uint64_t word = 0;
-      std::memcpy(&word, text.data() + i, 8);
-      if ((word & high_bits) != 0) break;
-      i += 8;
-    }
-    if (i >= text.size()) break;
-    const std::size_t length = character_length(text, i);
-    if (length == 0) return i;
-    i += length;
+// True when all bytes are ASCII and none is zero. Without a branch, so that the compiler takes many
+// bytes at a time.
+bool is_plain(const char* bytes, std::size_t count) {
+  unsigned char all = 0;
+  unsigned char least = 0xFF;
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    all |= byte;
+    least = std::min(least, byte);
   }
-  return std::string_view::npos;
+  return all < 0x80 && least > 0;
 }
 
+struct utf8_finding {
+  std::size_t unsound = std::string_view::npos;  // first byte that is no part of a sound character
+  bool has_zero = false;                         // before that
+};
+
+// Looks at the characters from `first` on until one begins at or behind `last`, which becomes
+// `first`. False, and `first` at the fault, for one that is not sound.
+bool look_at_characters(std::string_view text, std::size_t& first, std::size_t last,
+                        bool& has_zero) {
+  while (first < last) {
+    if (text[first] == '\0') has_zero = true;
+    const std::size_t length = character_length(text, first);
+    if (length == 0) return false;
+    first += length;
+  }
+  return true;
+}
+
+// One pass over the text: large blocks most of which are plain, the others in small ones.
+utf8_finding look_at_utf8(std::string_view text) {
+  constexpr std::size_t large = 1024;
+  constexpr std::size_t small = 64;
+  utf8_finding finding;
+  std::size_t i = 0;
+  const auto pass_if_plain = [&text, &i](std::size_t block) {
+    const std::size_t count = std::min(block, text.size() - i);
+    const bool plain = is_plain(text.data() + i, count);
+    if (plain) i += count;
+    return plain;
+  };
+  while (i < text.size()) {
+    if (pass_if_plain(large)) continue;
+    for (const std::size_t end = std::min(i + large, text.size()); i < end;) {
+      if (pass_if_plain(small)) continue;
+      if (!look_at_characters(text, i, std::min(i + small, text.size()), finding.has_zero)) {
+        finding.unsound = i;
+        return finding;
+      }
+    }
+  }
+  return finding;
+}
+
+// `has_zero` becomes false when the text is known to hold no zero character.
 std::string from_8_bit(const std::string& name, std::string bytes,
-                       std::vector<std::string>& warnings) {
+                       std::vector<std::string>& warnings, bool& has_zero) {
   const auto first = bytes.find_first_not_of(" \t\r\n");
   if (first == std::string::npos) fail(name, 0, "is empty", "export the model again");
   if (bytes[first] != '<') fail(name, 1, "is not XML", "check that it is the file you mean");
@@ -225,7 +262,8 @@ std::string from_8_bit(const std::string& name, std::string bytes,
   if (said == encoding::windows_1252) return from_single_bytes(bytes, false);
   if (said == encoding::latin_9) return from_single_bytes(bytes, true);
 
-  const std::size_t unsound = find_unsound_utf8(bytes);
+  const utf8_finding finding = look_at_utf8(bytes);
+  const std::size_t unsound = finding.unsound;
   if (said != encoding::utf8 && said != encoding::unknown) {
     const bool is_utf8 = unsound == std::string_view::npos;
     warnings.push_back(name + ", line 1: declares the encoding " + declared +
@@ -233,6 +271,7 @@ std::string from_8_bit(const std::string& name, std::string bytes,
     return is_utf8 ? std::move(bytes) : from_single_bytes(bytes, false);
   }
   if (unsound == std::string_view::npos) {
+    has_zero = finding.has_zero;
     if (said == encoding::unknown)
       warnings.push_back(name + ", line 1: declares the encoding " + qv::qv_one_line(declared, 40) +
                          ", which is not known; read as UTF-8");
@@ -273,6 +312,7 @@ std::string qv_to_utf8(const std::string& name, std::string bytes,
                        std::vector<std::string>& warnings) {
   std::size_t mark = 0;
   std::string text;
+  bool has_zero = true;  // or not known
   switch (sniff(bytes, mark)) {
     case encoding::utf16_le:
       text = from_utf16(name, std::string_view(bytes).substr(mark), false);
@@ -288,15 +328,19 @@ std::string qv_to_utf8(const std::string& name, std::string bytes,
       break;
     case encoding::utf8:
       bytes.erase(0, mark);
-      if (const auto unsound = find_unsound_utf8(bytes); unsound != std::string_view::npos)
-        fail(name, qv::qv_line_at(bytes, unsound), "a byte sequence is not valid UTF-8",
+      if (const utf8_finding finding = look_at_utf8(bytes);
+          finding.unsound != std::string_view::npos) {
+        fail(name, qv::qv_line_at(bytes, finding.unsound), "a byte sequence is not valid UTF-8",
              "save the file as UTF-8");
+      } else {
+        has_zero = finding.has_zero;
+      }
       text = std::move(bytes);
       break;
     default:
-      text = from_8_bit(name, std::move(bytes), warnings);
+      text = from_8_bit(name, std::move(bytes), warnings, has_zero);
   }
-  if (const auto zero = text.find('\0'); zero != std::string::npos)
+  if (const auto zero = has_zero ? text.find('\0') : std::string::npos; zero != std::string::npos)
     fail(name, qv::qv_line_at(text, zero), "holds a zero character, which no XML file does",
          "check that it is the file you mean");
   return text;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <unordered_map>
+#include <cstddef>
 #include <vector>
 
 #include "app/readers/qv_double3.h"
@@ -22,19 +21,12 @@ class qv_vertex_welder {
   const std::vector<qv_double3>& get_points() const { return points_; }
 
  private:
-  struct cell {
-    std::int64_t x, y, z;
-    bool operator==(const cell&) const = default;
-  };
-  struct cell_hash {
-    std::size_t operator()(const cell& c) const;
-  };
-
-  int find_in(const cell& where, const qv_double3& point) const;
+  int find_in(std::size_t place, const qv_double3& point) const;
+  void grow();
 
   std::vector<qv_double3> points_;
-  std::vector<int> next_;  // the point before this one in its cell, −1 at the end
-  std::unordered_map<cell, int, cell_hash> cells_;
+  std::vector<int> next_;   // the point before this one at its place in the table, −1 at the end
+  std::vector<int> table_;  // the last point of the cells that share a place; −1 for none
 };
 
 }  // namespace qv

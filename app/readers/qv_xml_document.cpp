@@ -1,6 +1,8 @@
 #include "app/readers/qv_xml_document.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 #include <pugixml.hpp>
 #include <utility>
 
@@ -14,88 +16,174 @@ bool is_space(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
-std::string_view trim(std::string_view text) {
-  while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
-  while (!text.empty() && is_space(text.back())) text.remove_suffix(1);
-  return text;
-}
-
-std::string_view local_part(std::string_view name) {
-  const std::size_t colon = name.find(':');
-  return colon == std::string_view::npos ? name : name.substr(colon + 1);
-}
-
-// The node itself or the first of its following siblings that is an element.
-pugi::xml_node_struct* element_from(pugi::xml_node node) {
-  while (node && node.type() != pugi::node_element) node = node.next_sibling();
-  return node.internal_object();
+std::string_view trim(const char* text) {
+  while (is_space(*text)) ++text;
+  std::size_t size = std::strlen(text);
+  while (size > 0 && is_space(text[size - 1])) --size;
+  return {text, size};
 }
 
 pugi::xml_node wrap(pugi::xml_node_struct* node) {
   return pugi::xml_node(node);
 }
 
+// The pointer of a handle, which is nothing else; asking the handle itself is a call.
+pugi::xml_node_struct* pointer_of(pugi::xml_node node) {
+  return std::bit_cast<pugi::xml_node_struct*>(node);
+}
+pugi::xml_attribute_struct* pointer_of(pugi::xml_attribute attribute) {
+  return std::bit_cast<pugi::xml_attribute_struct*>(attribute);
+}
+
+// A parsed text is checked on its tree, which is quicker than on its bytes. The tree tells only
+// that something may be wrong: what it is, and where, tells `qv_check_xml`.
+
+// An element with more attributes than this is looked at closely anyway.
+constexpr std::size_t most_attributes = 32;
+
+bool has_attribute_twice(pugi::xml_attribute first) {
+  std::size_t count = 0;
+  for (auto a = first; pointer_of(a) != nullptr; a = a.next_attribute()) {
+    if (++count > most_attributes) return true;
+    for (auto b = a.next_attribute(); pointer_of(b) != nullptr; b = b.next_attribute())
+      if (std::strcmp(a.name(), b.name()) == 0) return true;
+  }
+  return false;
+}
+
+class doubter : public pugi::xml_tree_walker {
+ public:
+  bool for_each(pugi::xml_node& node) override {
+    if (depth() >= static_cast<int>(qv::largest_xml_depth)) return false;
+    if (depth() == 0) {
+      // Besides the root: a document type, or text outside the root.
+      if (node.type() != pugi::node_element || has_root_) return false;
+      has_root_ = true;
+    }
+    const pugi::xml_attribute first = node.first_attribute();
+    return pointer_of(first) == nullptr || !has_attribute_twice(first);
+  }
+  bool end(pugi::xml_node&) override { return has_root_; }
+
+ private:
+  bool has_root_ = false;
+};
+
+// Text with a tag in every few bytes is no building model, and its tree would take twenty times its
+// memory: such a text is checked before it is parsed.
+bool is_crowded(std::string_view text) {
+  constexpr std::size_t little = 1 << 20;        // bytes; a tree of that is affordable
+  constexpr std::size_t fewest_bytes_a_tag = 8;  // numbers between tags alone take more
+  if (text.size() < little) return false;
+  return qv::qv_count_characters(text, '<') > text.size() / fewest_bytes_a_tag;
+}
+
+// --- prefixes ---
+
+bool is_name_character(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+         c == '-' || c == '.' || static_cast<unsigned char>(c) >= 0x80;
+}
+
+// True when the colon at `colon` stands in the name of an element, or perhaps of an attribute that
+// could matter: not one of those that declare a namespace or name the schema.
+bool is_behind_prefix(std::string_view text, std::size_t colon) {
+  std::size_t first = colon;
+  while (first > 0 && is_name_character(text[first - 1])) --first;
+  if (first == 0 || first == colon) return false;
+  if (text[first - 1] == '<') return true;
+  if (!is_space(text[first - 1])) return false;
+  const std::string_view prefix = text.substr(first, colon - first);
+  if (prefix == "xmlns" || prefix == "xsi" || prefix == "xml") return false;
+  std::size_t last = colon + 1;
+  while (last < text.size() && is_name_character(text[last])) ++last;
+  if (last == colon + 1) return false;
+  while (last < text.size() && is_space(text[last])) ++last;
+  return last < text.size() && text[last] == '=';
+}
+
+bool has_prefixes(std::string_view text) {
+  for (std::size_t at = text.find(':'); at != std::string_view::npos; at = text.find(':', at + 1))
+    if (is_behind_prefix(text, at)) return true;
+  return false;
+}
+
+// Leaves the local part of every name.
+class prefix_remover : public pugi::xml_tree_walker {
+ public:
+  bool for_each(pugi::xml_node& node) override {
+    shorten(node);
+    for (pugi::xml_attribute attribute : node.attributes()) shorten(attribute);
+    return true;
+  }
+
+ private:
+  template <class Named>
+  static void shorten(Named& named) {
+    const char* const colon = std::strchr(named.name(), ':');
+    if (colon != nullptr) named.set_name(std::string(colon + 1).c_str());
+  }
+};
+
 }  // namespace
 
 namespace qv {
 
-std::string_view qv_xml_element::get_full_name() const {
-  return wrap(node_).name();
-}
-
-std::string_view qv_xml_element::get_name() const {
-  return local_part(get_full_name());
-}
-
-bool qv_xml_element::is(std::string_view local_name) const {
-  const char* name = wrap(node_).name();
-  std::size_t i = 0;
-  while (i < local_name.size() && name[i] == local_name[i]) ++i;
-  if (i == local_name.size() && name[i] == '\0') return true;
-  while (name[i] != '\0' && name[i] != ':') ++i;
-  return name[i] == ':' && local_name == name + i + 1;
+// Children that are no elements have no name.
+qv_xml_element::qv_xml_element(pugi::xml_node_struct* node)
+    : node_(node), name_(wrap(node).name()) {
+  while (node_ != nullptr && *name_ == '\0') {
+    node_ = pointer_of(wrap(node_).next_sibling());
+    name_ = wrap(node_).name();
+  }
 }
 
 qv_xml_element qv_xml_element::get_first_child() const {
-  return qv_xml_element(element_from(wrap(node_).first_child()));
+  return qv_xml_element(pointer_of(wrap(node_).first_child()));
 }
 
 qv_xml_element qv_xml_element::get_next() const {
-  return qv_xml_element(element_from(wrap(node_).next_sibling()));
+  return qv_xml_element(pointer_of(wrap(node_).next_sibling()));
 }
 
-qv_xml_element qv_xml_element::get_child(std::string_view local_name) const {
+qv_xml_element qv_xml_element::get_child(const char* local_name) const {
   for (const qv_xml_element child : *this)
     if (child.is(local_name)) return child;
   return {};
 }
 
-std::string_view qv_xml_element::get_attribute(std::string_view local_name) const {
-  for (const pugi::xml_attribute attribute : wrap(node_).attributes())
-    if (local_part(attribute.name()) == local_name) return trim(attribute.value());
+std::string_view qv_xml_element::get_attribute(const char* local_name) const {
+  for (auto attribute = wrap(node_).first_attribute(); pointer_of(attribute) != nullptr;
+       attribute = attribute.next_attribute())
+    if (std::strcmp(attribute.name(), local_name) == 0) return trim(attribute.value());
   return {};
 }
 
-std::string_view qv_xml_element::get_text() const {
-  return trim(wrap(node_).text().get());
+pugi::xml_attribute_struct* qv_xml_element::read_attribute(pugi::xml_attribute_struct* previous,
+                                                           const char*& name,
+                                                           std::string_view& value) const {
+  const pugi::xml_attribute found = previous == nullptr
+                                        ? wrap(node_).first_attribute()
+                                        : pugi::xml_attribute(previous).next_attribute();
+  if (pointer_of(found) == nullptr) return nullptr;
+  name = found.name();
+  value = trim(found.value());
+  return pointer_of(found);
 }
 
-std::string_view qv_xml_element::get_child_text(std::string_view local_name) const {
+std::string_view qv_xml_element::get_text() const {
+  // Of most elements the text is in the node itself.
+  const char* const own = wrap(node_).value();
+  return trim(*own != '\0' ? own : wrap(node_).text().get());
+}
+
+std::string_view qv_xml_element::get_child_text(const char* local_name) const {
   return get_child(local_name).get_text();
 }
 
 std::size_t qv_xml_element::get_offset() const {
   const std::ptrdiff_t offset = wrap(node_).offset_debug();
   return offset < 0 ? 0 : static_cast<std::size_t>(offset);
-}
-
-qv_xml_element::iterator qv_xml_element::begin() const {
-  return iterator(element_from(wrap(node_).first_child()));
-}
-
-qv_xml_element::iterator& qv_xml_element::iterator::operator++() {
-  node_ = element_from(wrap(node_).next_sibling());
-  return *this;
 }
 
 struct qv_xml_document::parsed {
@@ -106,17 +194,26 @@ qv_xml_document::qv_xml_document(std::string name, std::string bytes)
     : name_(std::move(name)),
       text_(qv_to_utf8(name_, std::move(bytes), warnings_)),
       parsed_(std::make_unique<parsed>()) {
-  qv_check_xml(name_, text_);
+  if (is_crowded(text_)) qv_check_xml(name_, text_);
   // A text alone in its element is kept in the element itself, which halves the number of nodes.
+  // Document types and text outside the root are kept for the check.
   const pugi::xml_parse_result result = parsed_->document.load_buffer(
-      text_.data(), text_.size(), pugi::parse_default | pugi::parse_embed_pcdata,
+      text_.data(), text_.size(),
+      pugi::parse_default | pugi::parse_embed_pcdata | pugi::parse_doctype | pugi::parse_fragment,
       pugi::encoding_utf8);
+  doubter check;
+  if (!result || !parsed_->document.traverse(check)) qv_check_xml(name_, text_);
   if (!result) {
     const auto offset = static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0));
     throw qv_input_error(qv_input_error::kind::bad_input,
                          {name_, qv_line_at(text_, offset), "", ""},
                          std::string("is not well-formed XML: ") + result.description(),
                          "export the model again, or mend the file at this place");
+  }
+  root_name_ = parsed_->document.document_element().name();
+  if (has_prefixes(text_)) {
+    prefix_remover remover;
+    parsed_->document.traverse(remover);
   }
 }
 
@@ -130,9 +227,9 @@ std::size_t qv_xml_document::get_line(std::size_t offset) const {
   const std::size_t end = std::min(offset, text_.size());
   const std::string_view text = text_;
   if (end >= counted_offset_) {
-    counted_line_ += qv_count_line_breaks(text.substr(counted_offset_, end - counted_offset_));
+    counted_line_ += qv_count_characters(text.substr(counted_offset_, end - counted_offset_), '\n');
   } else {
-    counted_line_ -= qv_count_line_breaks(text.substr(end, counted_offset_ - end));
+    counted_line_ -= qv_count_characters(text.substr(end, counted_offset_ - end), '\n');
   }
   counted_offset_ = end;
   return counted_line_;

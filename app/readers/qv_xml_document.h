@@ -1,66 +1,98 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace pugi {
+struct xml_attribute_struct;
 struct xml_node_struct;
-}
+}  // namespace pugi
 
 namespace qv {
 
-/// An element of an XML document, looked at by local names: `gb:Surface` is "Surface". A light
-/// handle that is valid as long as its document; a null handle has no children, attributes or text.
+/// An element of an XML document; its name and those of its attributes are the local ones:
+/// `gb:Surface` is "Surface". A light handle that is valid as long as its document; a null handle
+/// has no children, attributes or text.
 class qv_xml_element {
  public:
   qv_xml_element() = default;
-  explicit qv_xml_element(pugi::xml_node_struct* node) : node_(node) {}
+  explicit qv_xml_element(pugi::xml_node_struct* node);
 
   explicit operator bool() const { return node_ != nullptr; }
 
   /// Local name.
-  std::string_view get_name() const;
-  /// The name as written, with its prefix.
-  std::string_view get_full_name() const;
-  bool is(std::string_view local_name) const;
+  std::string_view get_name() const { return name_; }
+  bool is(const char* local_name) const { return std::strcmp(name_, local_name) == 0; }
 
   /// First child element, and the element that follows this one among its parent's.
   qv_xml_element get_first_child() const;
   qv_xml_element get_next() const;
   /// First child element of that local name.
-  qv_xml_element get_child(std::string_view local_name) const;
+  qv_xml_element get_child(const char* local_name) const;
 
   /// Value of the attribute of that local name; empty without one.
-  std::string_view get_attribute(std::string_view local_name) const;
+  std::string_view get_attribute(const char* local_name) const;
   /// The element's own text without white space at its ends; empty without any. Of text that
   /// comments or elements interrupt, the first piece.
   std::string_view get_text() const;
   /// Text of the first child element of that local name.
-  std::string_view get_child_text(std::string_view local_name) const;
+  std::string_view get_child_text(const char* local_name) const;
+
+  /// Calls `visit(name, value)` with the local name of each attribute and its value.
+  template <class Visitor>
+  void for_each_attribute(Visitor visit) const;
 
   /// Byte offset in the document's text.
   std::size_t get_offset() const;
 
   /// So that `for (qv_xml_element child : element)` goes over the child elements.
-  class iterator {
-   public:
-    explicit iterator(pugi::xml_node_struct* node) : node_(node) {}
-    qv_xml_element operator*() const { return qv_xml_element(node_); }
-    iterator& operator++();
-    bool operator==(const iterator&) const = default;
-
-   private:
-    pugi::xml_node_struct* node_;
-  };
+  class iterator;
   iterator begin() const;
-  iterator end() const { return iterator(nullptr); }
+  iterator end() const;
 
  private:
+  // The attribute that follows `previous`, the first one after null; null behind the last one.
+  pugi::xml_attribute_struct* read_attribute(pugi::xml_attribute_struct* previous,
+                                             const char*& name, std::string_view& value) const;
+
   pugi::xml_node_struct* node_ = nullptr;
+  const char* name_ = "";
 };
+
+class qv_xml_element::iterator {
+ public:
+  explicit iterator(qv_xml_element element) : element_(element) {}
+  qv_xml_element operator*() const { return element_; }
+  iterator& operator++() {
+    element_ = element_.get_next();
+    return *this;
+  }
+  bool operator==(const iterator& other) const { return element_.node_ == other.element_.node_; }
+
+ private:
+  qv_xml_element element_;
+};
+
+inline qv_xml_element::iterator qv_xml_element::begin() const {
+  return iterator(get_first_child());
+}
+
+inline qv_xml_element::iterator qv_xml_element::end() const {
+  return iterator({});
+}
+
+template <class Visitor>
+void qv_xml_element::for_each_attribute(Visitor visit) const {
+  const char* name = nullptr;
+  std::string_view value;
+  for (auto* a = read_attribute(nullptr, name, value); a != nullptr;
+       a = read_attribute(a, name, value))
+    visit(std::string_view(name), value);
+}
 
 /// A checked and parsed XML document.
 class qv_xml_document {
@@ -74,6 +106,8 @@ class qv_xml_document {
 
   const std::string& get_name() const { return name_; }
   qv_xml_element get_root() const;
+  /// Name of the root as written, with its prefix.
+  const std::string& get_root_name() const { return root_name_; }
   /// What was odd about the encoding.
   const std::vector<std::string>& get_warnings() const { return warnings_; }
   /// Line at which the element begins, from 1.
@@ -88,6 +122,7 @@ class qv_xml_document {
   std::vector<std::string> warnings_;  // before the text, whose decoding fills it
   std::string text_;
   std::unique_ptr<parsed> parsed_;
+  std::string root_name_;
   // The last question about a line and its answer.
   mutable std::size_t counted_offset_ = 0;
   mutable std::size_t counted_line_ = 1;

@@ -34,11 +34,32 @@ TEST(qv_xml_document, looks_at_local_names_whatever_the_prefix) {
       "f.xml",
       "<gb:gbXML xmlns:gb=\"u\"><gb:Space gb:id=\"s\">\n x &amp; y </gb:Space></gb:gbXML>");
   EXPECT_TRUE(document.get_root().is("gbXML"));
-  EXPECT_EQ(document.get_root().get_full_name(), "gb:gbXML");
+  EXPECT_EQ(document.get_root_name(), "gb:gbXML");
   const qv_xml_element space = document.get_root().get_child("Space");
   EXPECT_EQ(space.get_attribute("id"), "s");
   EXPECT_EQ(space.get_text(), "x & y");
   EXPECT_EQ(space.get_attribute("name"), "");
+}
+
+TEST(qv_xml_document, drops_prefixes_wherever_they_stand) {
+  const qv_xml_document document("f.xml",
+                                 "<r xmlns:xsi=\"x\" xsi:a='1' b:\tc='2'>a: b:c=d "
+                                 "<e f:id='3'/><g.h-i:j k='4'>12:30</g.h-i:j></r>");
+  EXPECT_EQ(document.get_root_name(), "r");
+  EXPECT_EQ(document.get_root().get_child("e").get_attribute("id"), "3");
+  const qv_xml_element last = document.get_root().get_child("j");
+  EXPECT_EQ(last.get_attribute("k"), "4");
+  EXPECT_EQ(last.get_text(), "12:30");
+  EXPECT_EQ(document.get_line(last), 1U);
+}
+
+TEST(qv_xml_document, gives_each_attribute_once) {
+  const qv_xml_document document("f.xml", "<r a=' 1 ' b=''/>");
+  std::string all;
+  document.get_root().for_each_attribute([&all](std::string_view name, std::string_view value) {
+    all += std::string(name) + "=" + std::string(value) + ";";
+  });
+  EXPECT_EQ(all, "a=1;b=;");
 }
 
 TEST(qv_xml_document, goes_over_elements_only) {
@@ -67,15 +88,17 @@ TEST(qv_xml_document, knows_the_line_of_every_element_in_any_order) {
   EXPECT_EQ(document.get_line(root), 1U);
 }
 
-TEST(qv_xml_check, counts_line_breaks_of_every_length_of_text) {
+TEST(qv_xml_check, counts_characters_of_every_length_of_text) {
   std::string text;
   std::size_t breaks = 0;
   for (int i = 0; i < 100; ++i) {
-    EXPECT_EQ(qv::qv_count_line_breaks(text), breaks);
+    EXPECT_EQ(qv::qv_count_characters(text, '\n'), breaks);
     // Neighbours of the line feed and of the high bit, which a careless count takes for it.
     text += i % 3 == 0 ? '\n' : i % 3 == 1 ? '\x0B' : '\x8A';
     if (i % 3 == 0) ++breaks;
   }
+  // More in a column than one byte can count.
+  EXPECT_EQ(qv::qv_count_characters(std::string(20'000, '\n'), '\n'), 20'000U);
 }
 
 TEST(qv_xml_check, a_file_cut_short_names_the_open_element) {
@@ -104,6 +127,11 @@ TEST(qv_xml_check, refuses_an_attribute_given_twice) {
   EXPECT_EQ(message_of("<a>\n<b id=\"1\" x='>' id='2'/></a>"),
             "f.xml, line 2: <b> has the attribute id twice; keep one of them");
   EXPECT_EQ(message_of("<a><b id=\"1\" gb:id='2' idx=\"id\"/></a>"), "");
+  std::string many = "<a><b/><c><d/></c>\n<e";
+  for (int i = 0; i < 100; ++i) many += " a" + std::to_string(i) + "=''";
+  EXPECT_EQ(message_of(many + "/></a>"), "");
+  EXPECT_EQ(message_of(many + " a70=''/></a>"),
+            "f.xml, line 2: <e> has the attribute a70 twice; keep one of them");
 }
 
 TEST(qv_xml_check, refuses_entity_declarations) {
@@ -120,6 +148,8 @@ TEST(qv_xml_check, limits_the_depth) {
   EXPECT_NE(message_of(nested(qv::largest_xml_depth + 1)).find("nested more than 256 deep"),
             std::string::npos);
   EXPECT_NE(message_of(nested(1000000)).find("nested more than 256 deep"), std::string::npos);
+  EXPECT_NE(message_of("<a><b/><c/>" + nested(256) + "<d/></a>").find("nested more than 256 deep"),
+            std::string::npos);
 }
 
 TEST(qv_xml_document, says_where_the_parser_stumbles) {
