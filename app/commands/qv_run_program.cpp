@@ -75,6 +75,7 @@ int understand_and_run(int argument_count, const char* const* arguments) {
       "Examples:\n"
       "  qv study house.xml --out results\n"
       "  qv info house.xml\n"
+      "  qv export house.xml --format gltf --out house.gltf\n"
       "  qv glazing \"4 low-e / 16 argon / 4\"\n"
       "  qv help study\n\n"
       "Exit codes: 0 done, 1 fault of the program, 2 mistake in the command line,\n"
@@ -82,6 +83,7 @@ int understand_and_run(int argument_count, const char* const* arguments) {
   qv_command_action action;
   qv_add_study_command(program, action);
   qv_add_info_command(program, action);
+  qv_add_export_command(program, action);
   qv_add_glazing_command(program, action);
   qv_add_help_command(program, action);
   try {

@@ -11,15 +11,6 @@ namespace {
 
 constexpr int step_count = 4;
 
-// The root's text speaks of the buildings below it, and grouping puts buildings under the scene.
-std::string model_text(qvi_bim_root& root, qv_scene& scene) {
-  const qv_list<qv_item*> buildings = scene.get_items("building");
-  for (qv_item* building : buildings) {
-    if (building->get_parent() == &scene) root.add_child(building, -1);
-  }
-  return root.to_json();
-}
-
 bool is_grouped(const qv_gbxml_model& model, const qv_study_options& options) {
   return model.building_count == 0 || options.regroup;
 }
@@ -58,6 +49,14 @@ qv_study_generation qv_compute_model(const qv_gbxml_model& model, const qv_study
   return generation;
 }
 
+std::string qv_model_text(const qv_gbxml_model& model) {
+  const qv_list<qv_item*> buildings = model.scene->get_items("building");
+  for (qv_item* building : buildings) {
+    if (building->get_parent() == model.scene.get()) model.root->add_child(building, -1);
+  }
+  return model.root->to_json();
+}
+
 qv_study_results qv_run_study(const qv_study_options& options, const qv_study_progress& progress) {
   announce(progress, 1, "reading the model");
   const qv_gbxml_model model = qv_read_gbxml(options.model);
@@ -67,7 +66,7 @@ qv_study_results qv_run_study(const qv_study_options& options, const qv_study_pr
   study.generation = generation;
   study.source = options.model;
   study.notes = notes_on(model, options);
-  study.model_json = model_text(*model.root, *model.scene);
+  study.model_json = qv_model_text(model);
   return study;
 }
 

@@ -35,4 +35,8 @@ qv_study_results qv_run_study(const qv_study_options& options,
 qv_study_generation qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
                                      const qv_study_progress& progress = {});
 
+/// The text of the computed model (`to_json()` of its root). Buildings that were grouped under the
+/// scene move below the root, whose text speaks of them.
+std::string qv_model_text(const qv_gbxml_model& model);
+
 }  // namespace qv

@@ -53,7 +53,9 @@ TEST(qv_box_tree, finds_every_box_that_holds_a_point_of_a_segment) {
         touches = boxes[i].grown(0.5).overlaps({p, p});
       }
       touched += touches ? 1 : 0;
-      if (touches) EXPECT_TRUE(std::binary_search(found.begin(), found.end(), i));
+      if (touches) {
+        EXPECT_TRUE(std::binary_search(found.begin(), found.end(), i));
+      }
     }
     EXPECT_LE(found.size(), touched + 2);  // grazed between two of the points
   }

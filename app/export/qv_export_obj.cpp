@@ -1,0 +1,53 @@
+#include "app/export/qv_export_obj.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "app/export/qv_export_groups.h"
+#include "app/report/qv_utf8.h"
+
+namespace qv {
+namespace {
+
+template <class T>
+void append_number(std::string& text, T value) {
+  std::array<char, 32> buffer{};
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+  text += ' ';
+  text.append(buffer.data(), end);
+}
+
+// A name of the format ends at a blank.
+std::string word(const std::string& name) {
+  std::string text = qv_valid_utf8(name);
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) <= ' ' || c == '\x7F') c = '_';
+  return text;
+}
+
+}  // namespace
+
+std::string qv_export_obj(qv_scene& scene) {
+  std::string text = "# metres, Z upwards; a group for each item, its kind as material\n";
+  int first = 1;  // indices count from 1 through the whole file
+  for (const qv_export_group& group : qv_collect_export_groups(scene)) {
+    text += "g " + word(group.name) + "\nusemtl " + word(group.kind) + "\n";
+    for (const qv_3dvector& vertex : group.triangles.vertices) {
+      text += 'v';
+      for (const float coordinate : {vertex.x, vertex.y, vertex.z})
+        append_number(text, std::isfinite(coordinate) ? coordinate : 0.0f);
+      text += '\n';
+    }
+    const qv_list<int>& triangles = group.triangles.triangles;
+    for (int i = 0; i + 2 < triangles.get_count(); i += 3) {
+      text += 'f';
+      for (int k = 0; k < 3; ++k) append_number(text, first + triangles[i + k]);
+      text += '\n';
+    }
+    first += group.triangles.vertices.get_count();
+  }
+  return text;
+}
+
+}  // namespace qv

@@ -1,0 +1,291 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cctype>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "app/export/qv_export_gbxml.h"
+#include "app/export/qv_export_gltf.h"
+#include "app/export/qv_export_groups.h"
+#include "app/export/qv_export_obj.h"
+#include "app/export/qv_xml_writer.h"
+#include "app/study/qv_study.h"
+#include "app/study/qv_study_gather.h"
+#include "bim/hierarchy/qvi_space.h"
+#include "bim/qv_load_bim_items.h"
+#include "tests/app/qv_program.h"
+#include "tests/app/qv_temporary_folder.h"
+#include "tests/support/qv_test_paths.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string house = QV_SOURCE_DIR "/samples/house.xml";
+
+qv::qv_gbxml_model compute(qv::qv_gbxml_model model) {
+  qv::qv_compute_model(model, {});
+  return model;
+}
+
+// m² and m³; of single precision in sums of a few hundred, and relative.
+void expect_near(double a, double b, const std::string& what) {
+  EXPECT_NEAR(a, b, 1e-5 * std::max(1.0, std::abs(a))) << what;
+}
+
+void expect_near(const std::optional<float>& a, const std::optional<float>& b,
+                 const std::string& what) {
+  ASSERT_EQ(a.has_value(), b.has_value()) << what;
+  if (a) expect_near(*a, *b, what);
+}
+
+// The study of the model beside that of what was written of it.
+void expect_same_study(const std::string& path) {
+  const qv::qv_gbxml_model model = compute(qv::qv_read_gbxml(path));
+  if (model.scene->get_items("wall").is_empty()) {
+    EXPECT_THROW(qv::qv_export_gbxml(model), qv::qv_input_error);
+    return;
+  }
+  const qv::qv_gbxml_model again =
+      compute(qv::qv_read_gbxml_bytes("again.xml", qv::qv_export_gbxml(model)));
+  const qv::qv_study_results a = qv::qv_gather_study(model);
+  const qv::qv_study_results b = qv::qv_gather_study(again);
+
+  std::map<std::string, qv::qv_study_space> spaces;
+  for (const qv::qv_source_space& space : again.spaces)
+    for (const qv::qv_study_space& found : b.spaces)
+      if (found.id == space.id) spaces[space.id] = found;
+  ASSERT_EQ(a.spaces.size(), b.spaces.size());
+  for (std::size_t i = 0; i < a.spaces.size(); ++i) {
+    const std::string id = model.spaces.at(i).item->get_unique_id();
+    ASSERT_TRUE(spaces.contains(id)) << id;
+    const qv::qv_study_space& space = spaces[id];
+    EXPECT_EQ(space.name, a.spaces[i].name);
+    EXPECT_EQ(space.building, a.spaces[i].building);
+    EXPECT_EQ(space.zone, a.spaces[i].zone);
+    EXPECT_EQ(space.floor, a.spaces[i].floor);
+    EXPECT_EQ(space.stated_area, a.spaces[i].stated_area);
+    EXPECT_EQ(space.stated_volume, a.spaces[i].stated_volume);
+    expect_near(space.area, a.spaces[i].area, "area of " + id);
+    expect_near(space.volume, a.spaces[i].volume, "volume of " + id);
+  }
+  ASSERT_EQ(a.walls.size(), b.walls.size());
+  for (std::size_t i = 0; i < a.walls.size(); ++i) {
+    const std::string& id = a.walls[i].id;
+    EXPECT_EQ(b.walls[i].name, a.walls[i].name) << id;
+    EXPECT_EQ(b.walls[i].wall_type, a.walls[i].wall_type) << id;
+    EXPECT_EQ(b.walls[i].contact_type, a.walls[i].contact_type) << id;
+    EXPECT_EQ(b.walls[i].composition, a.walls[i].composition) << id;
+    EXPECT_EQ(b.walls[i].limit_condition, a.walls[i].limit_condition) << id;
+    expect_near(b.walls[i].area, a.walls[i].area, "area of " + id);
+    expect_near(b.walls[i].u, a.walls[i].u, "U of " + id);
+    // Degrees: a sliver turns by that much when its corners are rounded to single precision.
+    EXPECT_NEAR(b.walls[i].tilt.value_or(-1), a.walls[i].tilt.value_or(-1), 0.05) << id;
+  }
+  ASSERT_EQ(a.openings.size(), b.openings.size());
+  for (std::size_t i = 0; i < a.openings.size(); ++i) {
+    const std::string& id = a.openings[i].id;
+    EXPECT_EQ(b.openings[i].name, a.openings[i].name) << id;
+    EXPECT_EQ(b.openings[i].wall, a.openings[i].wall) << id;
+    EXPECT_EQ(b.openings[i].opening_type, a.openings[i].opening_type) << id;
+    expect_near(b.openings[i].full_area, a.openings[i].full_area, "area of " + id);
+    expect_near(b.openings[i].opaque_area, a.openings[i].opaque_area, "panels of " + id);
+    expect_near(b.openings[i].u, a.openings[i].u, "U of " + id);
+    expect_near(b.openings[i].solar_factor, a.openings[i].solar_factor, "solar factor of " + id);
+    expect_near(b.openings[i].visible_transmittance, a.openings[i].visible_transmittance,
+                "light through " + id);
+  }
+  EXPECT_EQ(a.location.latitude, b.location.latitude);
+  EXPECT_EQ(a.location.azimuth, b.location.azimuth);
+}
+
+// Numbers behind the keyword of each line of an OBJ text.
+struct obj_text {
+  std::vector<std::string> groups;
+  std::vector<qv::qv_3dvector> vertices;
+  std::vector<std::array<int, 3>> faces;
+  std::map<std::string, double> area;  // by material
+
+  explicit obj_text(const std::string& text) {
+    std::istringstream lines(text);
+    std::string material;
+    for (std::string line; std::getline(lines, line);) {
+      std::istringstream words(line);
+      std::string keyword;
+      words >> keyword;
+      if (keyword == "g") {
+        words >> groups.emplace_back();
+      } else if (keyword == "usemtl") {
+        words >> material;
+      } else if (keyword == "v") {
+        auto& v = vertices.emplace_back();
+        words >> v.x >> v.y >> v.z;
+      } else if (keyword == "f") {
+        auto& f = faces.emplace_back();
+        words >> f[0] >> f[1] >> f[2];
+        const auto corner = [&](int k) {
+          return vertices.at(static_cast<std::size_t>(f[static_cast<std::size_t>(k)] - 1));
+        };
+        area[material] += (corner(1) - corner(0)).cross(corner(2) - corner(0)).length() / 2;
+      }
+      EXPECT_FALSE(words.fail()) << line;
+    }
+  }
+};
+
+class export_house : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    qv_load_bim_items();
+    model_ = std::make_unique<qv::qv_gbxml_model>(compute(qv::qv_read_gbxml(house)));
+  }
+  static void TearDownTestSuite() { model_.reset(); }
+  static inline std::unique_ptr<qv::qv_gbxml_model> model_;
+};
+
+TEST(export_gbxml, reads_the_house_back_to_the_same_study) {
+  expect_same_study(house);
+}
+
+class export_shared_data : public testing::TestWithParam<std::string> {};
+
+TEST_P(export_shared_data, reads_back_to_the_same_study) {
+  if (GetParam().empty()) GTEST_SKIP() << "no models of other tools";
+  expect_same_study(GetParam());
+}
+
+// All but the largest, whose study takes longer than all others together.
+std::vector<std::string> model_paths() {
+  constexpr std::uintmax_t largest_size = 3'000'000;
+  const char* named = std::getenv("QV_SHARED_DATA");
+  const fs::path folder = fs::path(named != nullptr ? named : QV_SOURCE_DIR "/../shared/data");
+  std::vector<std::string> paths;
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(folder / "gbxml", ignored))
+    if (entry.path().extension() == ".xml" && entry.file_size() < largest_size)
+      paths.push_back(entry.path().string());
+  std::sort(paths.begin(), paths.end());
+  if (paths.empty()) paths.emplace_back();
+  return paths;
+}
+
+INSTANTIATE_TEST_SUITE_P(models, export_shared_data, testing::ValuesIn(model_paths()),
+                         [](const auto& instance) {
+                           std::string name = fs::path(instance.param).stem().string();
+                           for (char& c : name)
+                             if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
+                           return name.empty() ? std::string("none") : name;
+                         });
+
+TEST_F(export_house, obj_has_a_group_for_each_item_and_the_areas_of_the_walls) {
+  const obj_text obj(qv::qv_export_obj(*model_->scene));
+  const qv::qv_study_results study = qv::qv_gather_study(*model_);
+  std::map<std::string, double> area;
+  for (const qv::qv_study_wall& wall : study.walls) area[wall.contact_type] += wall.area;
+  for (const auto& [contact, sum] : area) EXPECT_NEAR(obj.area.at(contact), sum, 1e-3) << contact;
+  EXPECT_EQ(obj.groups.size(), qv::qv_collect_export_groups(*model_->scene).size());
+  EXPECT_GE(obj.groups.size(), study.walls.size());
+  for (const auto& face : obj.faces)
+    for (const int index : face)
+      EXPECT_TRUE(index >= 1 && index <= static_cast<int>(obj.vertices.size()));
+}
+
+std::string from_base64(const std::string& text) {
+  static const std::string digits =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string bytes;
+  unsigned bits = 0;
+  int count = 0;
+  for (const char c : text) {
+    const auto value = digits.find(c);
+    if (value == std::string::npos) break;
+    bits = bits << 6U | static_cast<unsigned>(value);
+    count += 6;
+    if (count >= 8) bytes += static_cast<char>(bits >> static_cast<unsigned>(count -= 8) & 0xFFU);
+  }
+  return bytes;
+}
+
+TEST_F(export_house, gltf_is_sound_and_names_and_colours_every_item) {
+  const auto document = nlohmann::json::parse(qv::qv_export_gltf(*model_->scene));
+  EXPECT_EQ(document["asset"]["version"], "2.0");
+  const std::string uri = document["buffers"][0]["uri"];
+  const std::string bytes = from_base64(uri.substr(uri.find(',') + 1));
+  ASSERT_EQ(bytes.size(), document["buffers"][0]["byteLength"].get<std::size_t>());
+  const auto groups = qv::qv_collect_export_groups(*model_->scene);
+  const auto& children = document["nodes"][0]["children"];
+  ASSERT_EQ(children.size(), groups.size());
+  for (std::size_t i = 0; i < groups.size(); ++i) {
+    const auto& node = document["nodes"][children[i].get<std::size_t>()];
+    EXPECT_EQ(node["name"], groups[i].name);
+    EXPECT_EQ(node["extras"]["kind"], groups[i].kind);
+    const auto& primitive = document["meshes"][node["mesh"].get<std::size_t>()]["primitives"][0];
+    const auto& material = document["materials"][primitive["material"].get<std::size_t>()];
+    EXPECT_EQ(material["name"], groups[i].kind);
+    EXPECT_EQ(material["pbrMetallicRoughness"]["baseColorFactor"].size(), 4U);
+    const auto& positions =
+        document["accessors"][primitive["attributes"]["POSITION"].get<std::size_t>()];
+    const auto& indices = document["accessors"][primitive["indices"].get<std::size_t>()];
+    ASSERT_EQ(positions["count"], groups[i].triangles.vertices.get_count());
+    ASSERT_EQ(indices["count"], groups[i].triangles.triangles.get_count());
+    for (const auto& [accessor, size] : {std::pair(positions, 12), std::pair(indices, 4)}) {
+      const auto& view = document["bufferViews"][accessor["bufferView"].get<std::size_t>()];
+      EXPECT_EQ(view["byteLength"], accessor["count"].get<int>() * size);
+      EXPECT_LE(view["byteOffset"].get<std::size_t>() + view["byteLength"].get<std::size_t>(),
+                bytes.size());
+    }
+    // The first vertex as it stands in the buffer, least significant byte first.
+    const auto offset =
+        document["bufferViews"][positions["bufferView"].get<std::size_t>()]["byteOffset"]
+            .get<std::size_t>();
+    std::uint32_t word = 0;
+    for (std::size_t k = 0; k < 4; ++k)
+      word |= static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[offset + k])) << 8 * k;
+    EXPECT_EQ(std::bit_cast<float>(word), groups[i].triangles.vertices[0].x);
+  }
+}
+
+TEST(export_command, writes_each_format) {
+  const qv_temporary_folder folder;
+  const qv_program_run json = qv_run(
+      {"export", house, "--format", "json", "--out", (folder.path() / "house.json").string()});
+  EXPECT_EQ(json.exit_code, 0) << json.errors;
+  EXPECT_TRUE(nlohmann::json::accept(qv_file_content((folder.path() / "house.json").string())));
+  const qv_program_run gbxml = qv_run(
+      {"export", house, "--format", "gbxml", "--out", (folder.path() / "house.xml").string()});
+  EXPECT_EQ(gbxml.exit_code, 0) << gbxml.errors;
+  EXPECT_EQ(qv_run({"info", (folder.path() / "house.xml").string()}).exit_code, 0);
+}
+
+TEST(export_command, knows_its_formats_and_leaves_nothing_half_written) {
+  const qv_temporary_folder folder;
+  EXPECT_EQ(qv_run({"export", house, "--format", "dxf", "--out", (folder.path() / "x").string()})
+                .exit_code,
+            2);
+  EXPECT_EQ(qv_run({"export", house, "--out", (folder.path() / "x").string()}).exit_code, 2);
+  EXPECT_EQ(qv_run({"export", (folder.path() / "none.xml").string(), "--format", "obj", "--out",
+                    (folder.path() / "x").string()})
+                .exit_code,
+            4);
+  EXPECT_FALSE(fs::exists((folder.path() / "x").string()));
+}
+
+TEST(export_xml_writer, escapes_what_has_a_meaning_and_drops_what_xml_cannot_hold) {
+  qv::qv_xml_writer xml;
+  xml.begin("a", {{"id", "<\"&>"}, {"none", ""}});
+  xml.leaf("b", "x\x01y\xFFz & <");
+  xml.end();
+  EXPECT_EQ(xml.text(),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+            "<a id=\"&lt;&quot;&amp;&gt;\">\n  <b>x y\xEF\xBF\xBDz &amp; &lt;</b>\n</a>\n");
+}
+
+}  // namespace
