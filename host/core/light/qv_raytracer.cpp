@@ -316,6 +316,8 @@ void qv_raytracer::kernel::bury(slot& s) {
 }
 
 void qv_raytracer::kernel::apply_set(std::vector<int>& fresh) {
+  // A model that is read once keeps no room to spare.
+  if (slots.empty()) slots.reserve(static_cast<std::size_t>(meshes.get_count()));
   for (slot& s : slots) s.rank = -1;
   for (int i = 0; i < meshes.get_count(); ++i) {
     const auto found = slot_of_mesh.find(meshes[i]);

@@ -159,7 +159,7 @@ void qv_raytracing_layer::refresh_geometry() {
   for (qvi_mesh* mesh : changed_) changed.append(mesh);
   for (qvi_mesh* mesh : untold_) changed.append(mesh);
   tracer_->update_changed(changed);
-  changed_.clear();
+  changed_ = {};  // with the memory of a first update, which is that of all meshes
   set_pending_ = false;
 }
 
