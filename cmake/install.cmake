@@ -18,6 +18,8 @@ install(EXPORT qv_bim-targets NAMESPACE qv:: DESTINATION ${QV_PACKAGE_INSTALL_DI
 # The program's own library serves nobody else.
 install(TARGETS qv_app LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_SKIP)
 install(TARGETS qv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+# Catalogues to copy from; the program has its own copy built in.
+install(FILES app/data/psi-indicative.json DESTINATION ${CMAKE_INSTALL_DATADIR}/qv)
 
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/qv_bim-config-version.cmake
   COMPATIBILITY SameMinorVersion)

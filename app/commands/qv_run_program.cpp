@@ -85,6 +85,7 @@ int understand_and_run(int argument_count, const char* const* arguments) {
   qv_add_info_command(program, action);
   qv_add_export_command(program, action);
   qv_add_glazing_command(program, action);
+  qv_add_configure_command(program, action);
   qv_add_help_command(program, action);
   try {
     program.parse(argument_count, arguments);

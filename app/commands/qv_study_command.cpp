@@ -1,12 +1,15 @@
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <memory>
 
 #include "app/commands/qv_commands.h"
 #include "app/commands/qv_progress.h"
+#include "app/readers/qv_file.h"
 #include "app/report/qv_output_folder.h"
 #include "app/report/qv_study_csv.h"
 #include "app/report/qv_study_json.h"
 #include "app/report/qv_study_summary.h"
+#include "app/study/qv_project_configuration.h"
 #include "app/study/qv_study.h"
 
 namespace qv {
@@ -14,6 +17,8 @@ namespace {
 
 struct study_arguments {
   qv_study_options study;
+  std::string psi;  // file of ψ values; empty without one
+  std::string configuration;
   std::string folder;
 };
 
@@ -25,17 +30,25 @@ qv_study_results study_with_progress(const qv_study_options& options) {
 }
 
 int run_study(const study_arguments& arguments) {
+  qv_study_options options = arguments.study;
+  if (!arguments.psi.empty()) options.psi = qv_read_psi_catalogue(arguments.psi);
+  if (!arguments.configuration.empty()) {
+    options.configuration_name = arguments.configuration;
+    options.configuration = qv_read_file(arguments.configuration, "a configuration");
+    qv_project_configuration(options.configuration_name, options.configuration);  // complains now
+  }
   // Before the work, so that a wrong folder is told at once.
   qv_output_folder folder(arguments.folder);
-  const qv_study_results study = study_with_progress(arguments.study);
+  const qv_study_results study = study_with_progress(options);
   folder.stage("study.json", qv_study_json(study));
   folder.stage("model.json", study.model_json);
   folder.stage("spaces.csv", qv_spaces_csv(study));
   folder.stage("walls.csv", qv_walls_csv(study));
   folder.stage("openings.csv", qv_openings_csv(study));
+  folder.stage("thermal_bridges.csv", qv_thermal_bridges_csv(study));
   folder.commit();
   qv_print(qv_study_summary(study) + "\nWritten to " + arguments.folder +
-           ": study.json, model.json, spaces.csv, walls.csv, openings.csv\n");
+           ": study.json, model.json, spaces.csv, walls.csv, openings.csv, thermal_bridges.csv\n");
   return qv_exit_success;
 }
 
@@ -77,14 +90,31 @@ void qv_add_study_command(CLI::App& program, qv_command_action& action) {
   command->add_flag("--rename-spaces", arguments->study.rename_spaces,
                     "Name the spaces by building and rank where they are grouped");
   add_glazing_ratios(*command, arguments->study.glazing_ratios);
+  command
+      ->add_option("--configuration", arguments->configuration,
+                   "Compositions and ψ of another model, as `qv configure save`\n"
+                   "keeps them, in place of this one's")
+      ->option_text("FILE");
+  command
+      ->add_option("--north", arguments->study.north,
+                   "Degrees clockwise from true north of the model's +Y,\n"
+                   "instead of what the file says")
+      ->option_text("ANGLE");
+  command
+      ->add_option("--psi", arguments->psi,
+                   "Catalogue of ψ values for the thermal bridges,\n"
+                   "JSON or CSV; indicative values without")
+      ->option_text("FILE");
   command->footer(
-      "Writes study.json, model.json, spaces.csv, walls.csv and openings.csv into DIR, all or\n"
-      "none, and prints a summary.\n\n"
+      "Writes study.json, model.json, spaces.csv, walls.csv, openings.csv and\n"
+      "thermal_bridges.csv into DIR, all or none, and prints a summary.\n\n"
       "Examples:\n"
       "  qv study house.xml --out results\n"
       "  qv study campus.xml --out results --regroup --rename-spaces\n"
       "  qv study block.xml --out results --glazing-ratio 0.25 --glazing-ratio-south 0.4");
   command->callback([&action, arguments] {
+    if (arguments->study.north && !std::isfinite(*arguments->study.north))
+      throw CLI::ValidationError("--north is no angle");
     if (arguments->study.model.empty()) throw CLI::ValidationError("MODEL is an empty name");
     if (arguments->folder.empty()) throw CLI::ValidationError("--out is an empty name");
     action = [arguments] { return run_study(*arguments); };

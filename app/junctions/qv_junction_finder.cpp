@@ -23,6 +23,8 @@ namespace {
 constexpr double parallel_sine = 0.02;
 /// Cosine above which two directions are one, and its opposite below which they are opposed.
 constexpr double same_direction = 0.99;
+/// m; edges that lie closer than this have the same neighbours.
+constexpr double same_line = 0.05 * qv_junction_gap;
 /// Coordinates of directions are compared in steps of this, so that rounding does not order them.
 constexpr double direction_step = 1e-3;
 /// m; a corner that is off the straight line between its neighbours by less is none: such a model
@@ -96,7 +98,8 @@ range within_gap(const qv_double3& start, const qv_double3& way) {
   const double root = b * b - a * c;
   if (root < 0 || a == 0) return {};
   const double reach = std::sqrt(root);
-  return {std::max(0.0, (-b - reach) / a), std::min(1.0, (-b + reach) / a)};
+  const range inside = {std::max(0.0, (-b - reach) / a), std::min(1.0, (-b + reach) / a)};
+  return inside.size() > 0 ? inside : range();
 }
 
 /// Which of the two directions in which a wall leaves a place of its face is given.
@@ -131,6 +134,8 @@ class junction_finder {
   void collect_edges(int wall, const qv_wall_outline& outline);
   void work_on(std::uint32_t index);
   void collect_companions(std::uint32_t index);
+  bool is_news(std::uint32_t index, const range& piece);
+  void collect_faces(const edge& e, const companion& source);
   range run_along(const edge& e, const edge& other) const;
   std::vector<range> free_pieces(const edge& e) const;
   std::vector<double> cuts_of(const edge& e, const std::vector<range>& free) const;
@@ -148,6 +153,10 @@ class junction_finder {
   // Of the edge under work; kept to spare allocations.
   std::vector<companion> companions_;
   std::vector<std::uint32_t> near_;
+  std::vector<double> crossings_;
+  std::vector<std::uint32_t> seen_;  // by edge, the round in which it was found last
+  std::vector<range> known_;         // by edge, along which piece it was found in that round
+  std::uint32_t round_ = 0;
 };
 
 junction_finder::junction_finder(const std::vector<qv_wall_outline>& walls) {
@@ -163,6 +172,8 @@ junction_finder::junction_finder(const std::vector<qv_wall_outline>& walls) {
   boxes.clear();
   for (const edge& e : edges_) boxes.push_back(qv_double_box::around(e.from, e.to));
   edge_tree_ = qv_box_tree(std::move(boxes));
+  seen_.assign(edges_.size(), 0);
+  known_.resize(edges_.size());
 }
 
 void junction_finder::collect_edges(int wall, const qv_wall_outline& outline) {
@@ -220,22 +231,70 @@ range junction_finder::run_along(const edge& e, const edge& other) const {
   return {std::max(0.0, std::min(a, b)), std::min(e.length, std::max(a, b))};
 }
 
+/// How far `other` lies from `e` along a piece of it.
+double offset_of(const edge& e, const range& piece, const edge& other) {
+  const auto at = [&](double place) {
+    const qv_double3 p = e.at(place);
+    return length(p - other.at(other.place_of(p)));
+  };
+  return std::max(at(piece.begin), at(piece.end));
+}
+
+/// The piece of `e` beside a piece of `other`, within `limit`.
+range carry_over(const edge& e, const range& limit, const edge& other, const range& piece) {
+  const double a = e.place_of(other.at(piece.begin));
+  const double b = e.place_of(other.at(piece.end));
+  return {std::max(limit.begin, std::min(a, b)), std::min(limit.end, std::max(a, b))};
+}
+
+/// What runs along the edge, and along what runs along it: of edges that lie side by side, each
+/// within the gap of the next, the outer ones belong together as well.
 void junction_finder::collect_companions(std::uint32_t index) {
-  const edge& e = edges_[index];
   companions_.clear();
-  edge_tree_.find_along(e.from, e.to, qv_junction_gap, near_);
-  for (const std::uint32_t other : near_) {
-    if (other == index) continue;
-    const range piece = run_along(e, edges_[other]);
-    if (piece.size() >= qv_junction_gap) companions_.push_back({piece, other, false});
+  ++round_;
+  const edge& e = edges_[index];
+  is_news(index, {0, e.length});
+  std::vector<companion> sources = {{{0, e.length}, index, false}};
+  for (std::size_t s = 0; s < sources.size(); ++s) {
+    const companion source = sources[s];
+    const edge& beside = edges_[source.other];
+    edge_tree_.find_along(beside.from, beside.to, qv_junction_gap, near_);
+    for (const std::uint32_t other : near_) {
+      const range shared = run_along(beside, edges_[other]);
+      if (shared.size() < qv_junction_gap) continue;
+      const range piece = carry_over(e, source.piece, beside, shared);
+      if (piece.size() < qv_junction_gap || !is_news(other, piece)) continue;
+      companions_.push_back({piece, other, false});
+      if (offset_of(e, piece, edges_[other]) > same_line) sources.push_back(companions_.back());
+    }
+    collect_faces(e, source);
   }
-  face_tree_.find_along(e.from, e.to, qv_junction_gap, near_);
-  std::vector<double> crossings;
+}
+
+/// False when the edge was found in this round already, along as much as this.
+bool junction_finder::is_news(std::uint32_t index, const range& piece) {
+  range& known = known_[index];
+  if (seen_[index] != round_) {
+    seen_[index] = round_;
+    known = piece;
+    return true;
+  }
+  if (known.begin - piece.begin < qv_junction_gap && piece.end - known.end < qv_junction_gap)
+    return false;
+  known = {std::min(known.begin, piece.begin), std::max(known.end, piece.end)};
+  return true;
+}
+
+void junction_finder::collect_faces(const edge& e, const companion& source) {
+  const edge& beside = edges_[source.other];
+  face_tree_.find_along(beside.from, beside.to, qv_junction_gap, near_);
   for (const std::uint32_t wall : near_) {
-    if (static_cast<int>(wall) == e.wall || !faces_[wall].has_area()) continue;
-    faces_[wall].find_crossings(e.from, e.to, qv_junction_gap, parallel_sine, crossings);
-    for (std::size_t i = 0; i + 1 < crossings.size(); i += 2) {
-      const range piece = {crossings[i] * e.length, crossings[i + 1] * e.length};
+    if (static_cast<int>(wall) == beside.wall || !faces_[wall].has_area()) continue;
+    faces_[wall].find_crossings(beside.from, beside.to, qv_junction_gap, parallel_sine, crossings_);
+    for (std::size_t i = 0; i + 1 < crossings_.size(); i += 2) {
+      const range piece =
+          carry_over(e, source.piece, beside,
+                     {crossings_[i] * beside.length, crossings_[i + 1] * beside.length});
       if (piece.size() >= qv_junction_gap) companions_.push_back({piece, wall, true});
     }
   }

@@ -8,8 +8,10 @@
 #include "app/readers/qv_gbxml_constructions.h"
 #include "app/readers/qv_gbxml_context.h"
 #include "app/readers/qv_gbxml_openings.h"
+#include "app/readers/qv_gbxml_schedules.h"
 #include "app/readers/qv_gbxml_site.h"
 #include "app/readers/qv_gbxml_surfaces.h"
+#include "app/readers/qv_gbxml_usages.h"
 #include "app/readers/qv_gbxml_walls.h"
 #include "app/readers/qv_gbxml_windows.h"
 #include "app/readers/qv_unique_ids.h"
@@ -27,6 +29,18 @@ std::string read_program(qv::qv_xml_element root) {
   return text + std::string(version);
 }
 
+void make_usages(qv::qv_gbxml_context& context, qv::qv_gbxml_site& site,
+                 qv::qv_gbxml_schedules& schedules, qv::qv_item* parent, qv::qv_unique_ids& ids) {
+  schedules.make_items(parent, ids);
+  qv::qv_gbxml_usages usages(context, schedules, parent);
+  site.visit(
+      [&usages](qv::qv_xml_element element, qv::qvi_space& space,
+                const qv::qv_source_space& source) { usages.give_space(element, space, source); },
+      [&usages](qv::qv_xml_element element, qv::qvi_zone& zone) {
+        usages.give_zone(element, zone);
+      });
+}
+
 void build_model(qv::qv_gbxml_context& context) {
   const qv::qv_xml_element root = context.get_document().get_root();
   if (!root.is("gbXML"))
@@ -40,6 +54,8 @@ void build_model(qv::qv_gbxml_context& context) {
   constructions.read(root);
   qv::qv_gbxml_windows windows(context, constructions);
   windows.read(root);
+  qv::qv_gbxml_schedules schedules(context);
+  schedules.read(root);
   qv::qv_gbxml_site site(context);
   site.read(root);
   qv::qv_gbxml_surfaces surfaces(context, site, constructions);
@@ -62,6 +78,7 @@ void build_model(qv::qv_gbxml_context& context) {
   qv::qv_unique_ids ids;
   constructions.make_items(model.root, ids);
   site.make_items(model.root, ids);
+  make_usages(context, site, schedules, model.root, ids);
   windows.make_items(model.root, ids);
   walls.make_items(ids);
   openings.make_items(ids);

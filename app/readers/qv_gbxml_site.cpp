@@ -184,6 +184,7 @@ void qv_gbxml_site::read_shell(qv_xml_element element, qv_source_space& source) 
 
 void qv_gbxml_site::read_zone(qv_xml_element element) {
   zone_record z;
+  z.element = element;
   z.id = id_of(element);
   z.name = name_or(element, z.id);
   z.entry = context_.add_entry(kind::zone, element, outcome::kept, "");
@@ -294,6 +295,18 @@ qvi_zone* qv_gbxml_site::get_rest_zone(int building, qv_item* parent) {
   item->set_building(buildings_[static_cast<std::size_t>(building)].item);
   parent->add_child(item, -1);
   return item;
+}
+
+void qv_gbxml_site::visit(
+    const std::function<void(qv_xml_element, qvi_space&, const qv_source_space&)>& use,
+    const std::function<void(qv_xml_element, qvi_zone&)>& use_zone) {
+  for (std::size_t i = 0; i < spaces_.size(); ++i) {
+    const qv_source_space& source = context_.get_model().spaces[i];
+    use(spaces_[i].element, *source.item, source);
+  }
+  for (const zone_record& z : zones_) {
+    for (const auto& [building, item] : z.items) use_zone(z.element, *item);
+  }
 }
 
 qvi_campus* qv_gbxml_site::get_campus(int number) const {

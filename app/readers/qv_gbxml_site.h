@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -39,6 +41,10 @@ class qv_gbxml_site {
 
   /// Makes the items below `root_item`: campuses with their buildings, zones and spaces.
   void make_items(qv_item* root_item, qv_unique_ids& ids);
+  /// Calls `use` for each space, then `use_zone` for each zone item, with its element; after
+  /// `make_items`.
+  void visit(const std::function<void(qv_xml_element, qvi_space&, const qv_source_space&)>& use,
+             const std::function<void(qv_xml_element, qvi_zone&)>& use_zone);
   /// The campus item of a number, after `make_items`.
   qvi_campus* get_campus(int number) const;
 
@@ -59,7 +65,8 @@ class qv_gbxml_site {
     std::string id;
     std::string name;
     std::size_t entry = 0;
-    std::unordered_map<int, qvi_zone*> items;  // by building, −1 for none
+    qv_xml_element element;
+    std::map<int, qvi_zone*> items;  // by building, −1 for none
   };
   struct space_record {
     qv_xml_element element;

@@ -78,6 +78,83 @@ constexpr qv_report_field<qv_study_wall> wall_fields[] = {
     {"u", read<&qv_study_wall::u>},
     {"composition", read<&qv_study_wall::composition>},
     {"limit_condition", read<&qv_study_wall::limit_condition>},
+    {"boundary", read<&qv_study_wall::boundary>},
+    {"u_with_surfaces", read<&qv_study_wall::u_with_surfaces>},
+};
+
+constexpr qv_report_field<qv_study_thermal_bridge> thermal_bridge_fields[] = {
+    {"id", read<&qv_study_thermal_bridge::id>},
+    {"type", read<&qv_study_thermal_bridge::type>},
+    {"length_m", read<&qv_study_thermal_bridge::length>},
+    {"psi", read<&qv_study_thermal_bridge::psi>},
+    {"loss_w_per_k", read<&qv_study_thermal_bridge::loss>},
+    {"walls", read<&qv_study_thermal_bridge::walls>},
+    {"point_0", read<&qv_study_thermal_bridge::point_0>},
+    {"point_1", read<&qv_study_thermal_bridge::point_1>},
+    {"insulation", read<&qv_study_thermal_bridge::insulation>},
+};
+
+constexpr qv_report_field<qv_study_change> change_fields[] = {
+    {"element", read<&qv_study_change::element>}, {"id", read<&qv_study_change::id>},
+    {"param", read<&qv_study_change::param>},     {"before", read<&qv_study_change::before>},
+    {"after", read<&qv_study_change::after>},
+};
+
+constexpr qv_report_field<qv_study_usage> usage_fields[] = {
+    {"zone", read<&qv_study_usage::zone>},
+    {"kind", read<&qv_study_usage::kind>},
+    {"name", read<&qv_study_usage::name>},
+    {"spaces", read<&qv_study_usage::spaces>},
+    {"unit_type", read<&qv_study_usage::unit_type>},
+    {"number_of_persons", read<&qv_study_usage::persons>},
+    {"person_heat_gain_w", read<&qv_study_usage::person_heat_gain>},
+    {"power", read<&qv_study_usage::power>},
+    {"flow", read<&qv_study_usage::flow>},
+    {"schedule", read<&qv_study_usage::schedule>},
+    {"occupation_schedule", read<&qv_study_usage::occupation_schedule>},
+    {"heating_period", read<&qv_study_usage::heating_period>},
+    {"heating_range_c", read<&qv_study_usage::heating_range>},
+    {"heating_schedule", read<&qv_study_usage::heating_schedule>},
+    {"cooling_period", read<&qv_study_usage::cooling_period>},
+    {"cooling_range_c", read<&qv_study_usage::cooling_range>},
+    {"cooling_schedule", read<&qv_study_usage::cooling_schedule>},
+};
+
+// Reads the result of a member function.
+template <class T, std::optional<double> (T::*function)() const>
+qv_report_value call(const T& record) {
+  return qv_to_report_value((record.*function)());
+}
+
+constexpr qv_report_field<qv_heat_loss> heat_loss_fields[] = {
+    {"h_t_w_per_k", read<&qv_heat_loss::h_t>},
+    {"h_t_with_surfaces_w_per_k", read<&qv_heat_loss::h_t_with_surfaces>},
+    {"mean_u", call<qv_heat_loss, &qv_heat_loss::get_mean_u>},
+    {"mean_u_with_surfaces", call<qv_heat_loss, &qv_heat_loss::get_mean_u_with_surfaces>},
+    {"area_m2", read<&qv_heat_loss::area>},
+    {"unknown_u_area_m2", read<&qv_heat_loss::unknown_area>},
+    {"bridges_w_per_k", read<&qv_heat_loss::bridge_loss>},
+};
+
+constexpr qv_report_field<qv_surface_loss> surface_loss_fields[] = {
+    {"type", read<&qv_surface_loss::type>},
+    {"boundary", read<&qv_surface_loss::boundary>},
+    {"count", [](const qv_surface_loss& group) { return count_of(group.count); }},
+    {"area_m2", read<&qv_surface_loss::area>},
+    {"unknown_u_area_m2", read<&qv_surface_loss::unknown_area>},
+    {"mean_u", call<qv_surface_loss, &qv_surface_loss::get_mean_u>},
+    {"loss_w_per_k", read<&qv_surface_loss::loss>},
+    {"mean_u_with_surfaces", call<qv_surface_loss, &qv_surface_loss::get_mean_u_with_surfaces>},
+    {"loss_with_surfaces_w_per_k", read<&qv_surface_loss::loss_with_surfaces>},
+};
+
+constexpr qv_report_field<qv_bridge_loss> bridge_loss_fields[] = {
+    {"type", read<&qv_bridge_loss::type>},
+    {"count", [](const qv_bridge_loss& group) { return count_of(group.count); }},
+    {"length_m", read<&qv_bridge_loss::length>},
+    {"unknown_psi_length_m", read<&qv_bridge_loss::unknown_length>},
+    {"mean_psi", call<qv_bridge_loss, &qv_bridge_loss::get_mean_psi>},
+    {"loss_w_per_k", read<&qv_bridge_loss::loss>},
 };
 
 constexpr qv_report_field<qv_study_composition> composition_fields[] = {
@@ -196,6 +273,24 @@ std::span<const qv_report_field<qv_study_space>> qv_space_fields() {
 }
 std::span<const qv_report_field<qv_study_wall>> qv_wall_fields() {
   return wall_fields;
+}
+std::span<const qv_report_field<qv_study_thermal_bridge>> qv_thermal_bridge_fields() {
+  return thermal_bridge_fields;
+}
+std::span<const qv_report_field<qv_study_change>> qv_change_fields() {
+  return change_fields;
+}
+std::span<const qv_report_field<qv_study_usage>> qv_usage_fields() {
+  return usage_fields;
+}
+std::span<const qv_report_field<qv_heat_loss>> qv_heat_loss_fields() {
+  return heat_loss_fields;
+}
+std::span<const qv_report_field<qv_surface_loss>> qv_surface_loss_fields() {
+  return surface_loss_fields;
+}
+std::span<const qv_report_field<qv_bridge_loss>> qv_bridge_loss_fields() {
+  return bridge_loss_fields;
 }
 std::span<const qv_report_field<qv_study_composition>> qv_composition_fields() {
   return composition_fields;

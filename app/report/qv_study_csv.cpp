@@ -83,4 +83,8 @@ std::string qv_openings_csv(const qv_study_results& study) {
   return table(qv_opening_fields(), study.openings);
 }
 
+std::string qv_thermal_bridges_csv(const qv_study_results& study) {
+  return table(qv_thermal_bridge_fields(), study.thermal_bridges);
+}
+
 }  // namespace qv

@@ -12,5 +12,6 @@ namespace qv {
 std::string qv_spaces_csv(const qv_study_results& study);
 std::string qv_walls_csv(const qv_study_results& study);
 std::string qv_openings_csv(const qv_study_results& study);
+std::string qv_thermal_bridges_csv(const qv_study_results& study);
 
 }  // namespace qv

@@ -77,6 +77,19 @@ void write_generation(qv_json_writer& json, const qv_study_generation& generatio
   json.end_object();
 }
 
+void write_heat_loss(qv_json_writer& json, const qv_study_results& study) {
+  const qv_heat_loss& sums = study.heat_loss;
+  json.key("heat_loss");
+  json.begin_object();
+  json.members(qv_heat_loss_fields(), sums);
+  json.member("psi_catalogue", study.psi_catalogue);
+  write_records(json, "walls", qv_surface_loss_fields(), sums.walls);
+  write_records(json, "openings", qv_surface_loss_fields(), sums.openings);
+  write_records(json, "bridges", qv_bridge_loss_fields(), sums.bridges);
+  write_records(json, "boundaries", qv_surface_loss_fields(), sums.boundaries);
+  json.end_object();
+}
+
 // {"Surface":{"kept":12,"dropped":1},…}: kinds and outcomes in the order of the tallies, which are
 // sorted by kind.
 void write_counts(qv_json_writer& json, const std::vector<qv_study_tally>& tallies) {
@@ -126,6 +139,10 @@ std::string qv_study_json(const qv_study_results& study) {
   write_glazings(json, study.glazings);
   write_records(json, "facades", qv_facade_fields(), study.facades);
   write_generation(json, study.generation);
+  write_records(json, "thermal_bridges", qv_thermal_bridge_fields(), study.thermal_bridges);
+  write_heat_loss(json, study);
+  write_records(json, "usages", qv_usage_fields(), study.usages);
+  write_records(json, "configuration_changes", qv_change_fields(), study.changes);
   write_ledger(json, study.ledger);
   json.end_object();
   return json.text();

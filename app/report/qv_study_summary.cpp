@@ -6,6 +6,7 @@
 #include <map>
 #include <tuple>
 
+#include "app/report/qv_heat_loss_summary.h"
 #include "app/report/qv_openings_summary.h"
 #include "app/report/qv_summary_text.h"
 #include "app/report/qv_text_table.h"
@@ -224,6 +225,21 @@ std::string opening_areas(const qv_study_opening_balance& sums) {
   return text + fmt::format(" + {:.2f} m² dropped\n", sums.dropped);
 }
 
+// Changes of one kind are told together.
+std::string changes_part(const std::vector<qv_study_change>& changes) {
+  std::map<std::tuple<std::string, std::string, std::string, std::string>, std::size_t> groups;
+  for (const auto& change : changes) {
+    ++groups[{change.element, change.param, change.before.value_or(unknown),
+              change.after.value_or(unknown)}];
+  }
+  qv_text_table table({{"Configuration"}, {"changed", right}, {"what"}, {"before"}, {"after"}});
+  for (const auto& [what, count] : groups) {
+    const auto& [element, param, before, after] = what;
+    table.add_row({element, std::to_string(count), param, before, after});
+  }
+  return table.text() + "  Each change is in \"configuration_changes\" of study.json.\n";
+}
+
 std::string headline(const qv_study_results& study) {
   std::size_t storeys = 0;
   std::size_t zones = 0;
@@ -263,6 +279,8 @@ std::string qv_study_summary(const qv_study_results& study) {
   if (const std::string openings = qv_openings_summary(study); !openings.empty()) {
     text += "\n" + openings;
   }
+  if (!study.heat_loss.boundaries.empty()) text += "\n" + qv_heat_loss_summary(study);
+  if (!study.changes.empty()) text += "\n" + changes_part(study.changes);
   text += "\n" + qv_ledger_summary(study.ledger);
   if (!study.notes.empty()) text += '\n';
   for (const std::string& note : study.notes) text += "  Note: " + note + '\n';

@@ -82,7 +82,7 @@ qv_study_generation qv_generate_openings(const qv_gbxml_model& model,
   qv_study_generation generation;
   generation.asked = true;
   qv_scene& scene = *model.scene;
-  const double north = qv_gather_location(model).azimuth.value_or(0.0);
+  constexpr double north = 0.0;  // azimuth of +Y in a model that stands on its site
   const qv_list<qv_item*> walls = scene.get_items("wall");
   for (qv_item* item : walls) {
     auto& wall = static_cast<qvi_wall&>(*item);

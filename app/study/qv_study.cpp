@@ -1,15 +1,25 @@
 #include "app/study/qv_study.h"
 
+#include <cmath>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+#include "app/junctions/qv_bridge_values.h"
+#include "app/junctions/qv_connexions.h"
 #include "app/readers/qv_gbxml_reader.h"
+#include "app/study/qv_project_configuration.h"
 #include "app/study/qv_study_gather.h"
 #include "bim/hierarchy/qvi_building.h"
+#include "bim/hierarchy/qvi_campus.h"
 #include "bim/materials/qvi_limit_condition.h"
 #include "bim/project/qvi_bim_root.h"
 
 namespace qv {
 namespace {
 
-constexpr int step_count = 4;
+constexpr int step_count = 5;
 
 bool is_grouped(const qv_gbxml_model& model, const qv_study_options& options) {
   return model.building_count == 0 || options.regroup;
@@ -25,16 +35,37 @@ std::vector<std::string> notes_on(const qv_gbxml_model& model, const qv_study_op
   return notes;
 }
 
+const qv_psi_catalogue& psi_of(const qv_study_options& options) {
+  return options.psi.has_value() ? *options.psi : qv_indicative_psi_catalogue();
+}
+
+// Turns each campus so that the scene's +Y is true north.
+void stand_on_site(const qv_gbxml_model& model, const qv_study_options& options) {
+  std::unordered_map<std::string, double> azimuths;
+  for (const qv_site_location& site : model.locations) {
+    if (site.model_azimuth.has_value()) azimuths.try_emplace(site.campus_id, *site.model_azimuth);
+  }
+  for (qv_item* item : model.scene->get_items("campus")) {
+    auto& campus = static_cast<qvi_campus&>(*item);
+    const auto stated =
+        azimuths.find(campus.has_unique_id() ? campus.get_unique_id() : std::string());
+    const double azimuth = options.north.value_or(stated == azimuths.end() ? 0.0 : stated->second);
+    // Clockwise from north here, counter-clockwise there.
+    campus.transform(campus.get_translation(), static_cast<float>(-std::fmod(azimuth, 360.0)));
+  }
+}
+
 void announce(const qv_study_progress& progress, int step, const char* what) {
   if (progress) progress(step, step_count, what);
 }
 
 }  // namespace
 
-qv_study_generation qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
-                                     const qv_study_progress& progress) {
+qv_model_findings qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
+                                   const qv_study_progress& progress) {
   qv_scene& scene = *model.scene;
   announce(progress, 2, "measuring the spaces");
+  stand_on_site(model, options);
   if (is_grouped(model, options)) {
     qvi_building::build_buildings(&scene, options.rename_spaces);
   } else {
@@ -43,10 +74,28 @@ qv_study_generation qv_compute_model(const qv_gbxml_model& model, const qv_study
   announce(progress, 3, "computing the walls");
   qvi_limit_condition::default_limit_conditions(&scene);
   scene.precompute();
-  if (!options.glazing_ratios.any()) return {};
-  qv_study_generation generation = qv_generate_openings(model, options.glazing_ratios);
+  qv_model_findings findings;
+  if (options.glazing_ratios.any()) {
+    findings.generation = qv_generate_openings(model, options.glazing_ratios);
+    scene.precompute();
+  }
+  qv_place_insulation(scene);
+  std::unique_ptr<qv_project_configuration> configuration;
+  if (!options.configuration_name.empty()) {
+    configuration = std::make_unique<qv_project_configuration>(options.configuration_name,
+                                                               options.configuration);
+    findings.changes = configuration->apply_constructions(scene);
+    qv_place_insulation(scene);
+  }
+  announce(progress, 4, "finding the thermal bridges");
+  qv_add_connexions(scene);
   scene.precompute();
-  return generation;
+  findings.bridges_without_psi = qv_assign_psi(scene, psi_of(options));
+  if (configuration != nullptr) {
+    for (qv_study_change& change : configuration->apply_psi(scene, findings.bridges_without_psi))
+      findings.changes.push_back(std::move(change));
+  }
+  return findings;
 }
 
 std::string qv_model_text(const qv_gbxml_model& model) {
@@ -60,10 +109,11 @@ std::string qv_model_text(const qv_gbxml_model& model) {
 qv_study_results qv_run_study(const qv_study_options& options, const qv_study_progress& progress) {
   announce(progress, 1, "reading the model");
   const qv_gbxml_model model = qv_read_gbxml(options.model);
-  const qv_study_generation generation = qv_compute_model(model, options, progress);
-  announce(progress, 4, "gathering the results");
-  qv_study_results study = qv_gather_study(model);
-  study.generation = generation;
+  const qv_model_findings findings = qv_compute_model(model, options, progress);
+  announce(progress, 5, "gathering the results");
+  qv_study_results study = qv_gather_study(model, findings);
+  study.psi_catalogue = psi_of(options).name;
+  if (options.north.has_value()) study.location.azimuth = options.north;
   study.source = options.model;
   study.notes = notes_on(model, options);
   study.model_json = qv_model_text(model);

@@ -3,7 +3,9 @@
 #include <functional>
 #include <string>
 
+#include "app/junctions/qv_psi_catalogue.h"
 #include "app/study/qv_generated_openings.h"
+#include "app/study/qv_study_gather.h"
 #include "app/study/qv_study_results.h"
 
 namespace qv {
@@ -19,6 +21,14 @@ struct qv_study_options {
   bool rename_spaces = false;
   /// Openings to generate on outer walls without any; none unless asked for.
   qv_glazing_ratios glazing_ratios = {};
+  /// ψ of the thermal bridges; the indicative catalogue without.
+  std::optional<qv_psi_catalogue> psi = std::nullopt;
+  /// Degrees clockwise from north of the model's +Y, instead of what the file says.
+  std::optional<double> north = std::nullopt;
+  /// Text of a configuration file whose choices replace those of the model, and its name in
+  /// messages; none without a name.
+  std::string configuration_name = {};
+  std::string configuration = {};
 };
 
 /// Told at the beginning of each step: its rank from 1, how many there are, and what it does
@@ -29,11 +39,12 @@ using qv_study_progress = std::function<void(int step, int count, const char* wh
 qv_study_results qv_run_study(const qv_study_options& options,
                               const qv_study_progress& progress = {});
 
-/// The steps between reading and gathering: groups the spaces into buildings where the file has
-/// none or where that is asked for, measures everything, lays the lowest floors on the ground,
-/// generates the openings asked for. Returns what became of these.
-qv_study_generation qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
-                                     const qv_study_progress& progress = {});
+/// The steps between reading and gathering: turns the model to true north, groups the spaces into
+/// buildings where the file has none or where that is asked for, measures everything, lays the
+/// lowest floors on the ground, generates the openings asked for, finds the thermal bridges and
+/// gives them their ψ.
+qv_model_findings qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
+                                   const qv_study_progress& progress = {});
 
 /// The text of the computed model (`to_json()` of its root). Buildings that were grouped under the
 /// scene move below the root, whose text speaks of them.

@@ -5,7 +5,10 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "app/junctions/qv_bridge_values.h"
 #include "app/study/qv_study_gather_openings.h"
+#include "app/study/qv_study_gather_usages.h"
+#include "bim/envelope/qvi_connexion.h"
 #include "bim/envelope/qvi_opening.h"
 #include "bim/envelope/qvi_wall.h"
 #include "bim/hierarchy/qvi_building.h"
@@ -146,6 +149,12 @@ qv_study_space gather_space(qvi_space& space, const std::string& id,
   return result;
 }
 
+std::string boundary_of(const qvi_wall& wall) {
+  const qvi_limit_condition* condition = wall.get_limit_condition();
+  if (condition == nullptr) return "outside";
+  return label(qvi_limit_condition::get_limit_condition_typology_list(), condition->get_typology());
+}
+
 qv_study_wall gather_wall(qvi_wall& wall, const std::string& id, const id_maker& space_ids) {
   qv_study_wall result;
   result.id = id;
@@ -161,6 +170,61 @@ qv_study_wall gather_wall(qvi_wall& wall, const std::string& id, const id_maker&
   result.u = u_of(wall.get_composition());
   result.composition = name_of(wall.get_composition());
   result.limit_condition = name_of(wall.get_limit_condition());
+  result.boundary = boundary_of(wall);
+  if (result.u.has_value()) {
+    result.u_with_surfaces = static_cast<float>(qv_u_with_surfaces(*result.u, result.tilt));
+  }
+  return result;
+}
+
+qv_study_thermal_bridge gather_bridge(const qvi_connexion& connexion, const std::string& id,
+                                      const id_maker& wall_ids, bool psi_known) {
+  qv_study_thermal_bridge result;
+  result.id = id;
+  result.type = label(qvi_connexion::get_connexion_type_list(), connexion.get_connexion_type());
+  result.length = connexion.get_length();
+  if (psi_known) {
+    result.psi = connexion.get_psi();
+    result.loss = static_cast<double>(result.length) * *result.psi;
+  }
+  for (const qvi_wall* wall : connexion.get_walls()) {
+    if (const auto wall_id = wall_ids.find(wall)) result.walls.push_back(*wall_id);
+  }
+  const qv_3dvector& a = connexion.get_point_0();
+  const qv_3dvector& b = connexion.get_point_1();
+  result.point_0 = {a.x, a.y, a.z};
+  result.point_1 = {b.x, b.y, b.z};
+  result.insulation =
+      label(qvi_composition::get_composition_insulation_list(), qv_insulation_at(connexion));
+  return result;
+}
+
+// The windows and doors of the walls that lose heat; theirs is a U with surface resistances.
+std::vector<qv_loss_surface> loss_openings(const qv_study_results& study) {
+  std::unordered_map<std::string, const qv_study_wall*> walls;
+  for (const qv_study_wall& wall : study.walls) walls[wall.id] = &wall;
+  std::vector<qv_loss_surface> surfaces;
+  for (const qv_study_opening& opening : study.openings) {
+    if (!opening.loses_heat || !opening.wall.has_value()) continue;
+    const qv_study_wall& wall = *walls.at(*opening.wall);
+    surfaces.push_back(
+        {opening.opening_type, wall.boundary, opening.full_area, opening.u, opening.u});
+  }
+  return surfaces;
+}
+
+std::vector<qv_loss_surface> loss_walls(const std::vector<qv_study_wall>& walls) {
+  std::vector<qv_loss_surface> surfaces;
+  for (const qv_study_wall& wall : walls) {
+    if (!wall.is_loss()) continue;
+    surfaces.push_back({wall.contact_type, wall.boundary, wall.area, wall.u, wall.u_with_surfaces});
+  }
+  return surfaces;
+}
+
+std::vector<qv_loss_bridge> loss_bridges(const std::vector<qv_study_thermal_bridge>& bridges) {
+  std::vector<qv_loss_bridge> result;
+  for (const auto& bridge : bridges) result.push_back({bridge.type, bridge.length, bridge.psi});
   return result;
 }
 
@@ -228,7 +292,7 @@ qv_study_ledger qv_gather_ledger(const qv_import_ledger& ledger) {
   return result;
 }
 
-qv_study_results qv_gather_study(const qv_gbxml_model& model) {
+qv_study_results qv_gather_study(const qv_gbxml_model& model, const qv_model_findings& findings) {
   qv_study_results study;
   qv_scene& scene = *model.scene;
   std::unordered_map<const qv_item*, const qv_source_space*> sources;
@@ -254,8 +318,18 @@ qv_study_results qv_gather_study(const qv_gbxml_model& model) {
   for (qv_item* item : scene.get_items("composition")) {
     study.compositions.push_back(gather_composition(static_cast<qvi_composition&>(*item)));
   }
+  study.usages = qv_gather_usages(
+      scene, [&space_ids](const qvi_space* space) { return space_ids.find(space); });
+  id_maker bridge_ids("bridge");
+  for (qv_item* item : scene.get_items("connexion")) {
+    const bool psi_known = !findings.bridges_without_psi.contains(item);
+    study.thermal_bridges.push_back(gather_bridge(static_cast<qvi_connexion&>(*item),
+                                                  bridge_ids.make(item, {}), wall_ids, psi_known));
+  }
+  study.generation = findings.generation;
+  study.changes = findings.changes;
   study.location = qv_gather_location(model);
-  const double north = study.location.azimuth.value_or(0.0);
+  constexpr double north = 0.0;  // azimuth of +Y in a model that stands on its site
   id_maker opening_ids("opening");
   qv_gather_openings(
       scene, north, [&wall_ids](const qvi_wall* wall) { return wall_ids.find(wall); },
@@ -264,6 +338,8 @@ qv_study_results qv_gather_study(const qv_gbxml_model& model) {
       },
       study);
   qv_gather_facades(scene, north, study);
+  study.heat_loss = qv_sum_heat_loss(loss_walls(study.walls), loss_openings(study),
+                                     loss_bridges(study.thermal_bridges));
   study.ledger = qv_gather_ledger(model.ledger);
   return study;
 }

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "app/study/qv_heat_loss.h"
+
 namespace qv {
 
 // What a study found out, as plain values: nothing here knows an item or a scene, so that reports
@@ -63,9 +65,54 @@ struct qv_study_wall {
   std::optional<float> u;
   std::optional<std::string> composition;
   std::optional<std::string> limit_condition;
+  std::string boundary = "outside";  // "outside", or the typology of the limit condition
+  std::optional<float> u_with_surfaces = std::nullopt;
 
   /// Whether the wall stands between one space and what is no space: it loses heat.
   bool is_loss() const { return space_0.has_value() && !space_1.has_value(); }
+};
+
+/// A segment along which walls meet.
+struct qv_study_thermal_bridge {
+  std::string id;
+  std::string type;
+  float length = 0.0f;
+  std::optional<float> psi;        // W/(m.K)
+  std::optional<double> loss;      // W/K
+  std::vector<std::string> walls;  // ids
+  std::vector<float> point_0;      // x, y, z
+  std::vector<float> point_1;
+  std::string insulation;  // where that of the façade lies
+};
+
+/// How a zone, or some spaces of it, are used. What its kind does not have is absent.
+struct qv_study_usage {
+  std::string zone;
+  std::string kind;  // "heating_cooling", "ventilation", "lighting", "internal_gains"
+  std::string name;
+  std::vector<std::string> spaces;  // ids; none when the zone as a whole has it
+  std::optional<std::string> unit_type;
+  std::optional<float> persons;           // per m² or in total
+  std::optional<float> person_heat_gain;  // W
+  std::optional<float> power;             // of light or equipment: W/m², or W in total
+  std::optional<float> flow;              // m³/(h.m²), m³/h, or 1/h
+  std::optional<std::string> schedule;
+  std::optional<std::string> occupation_schedule;
+  std::optional<std::string> heating_period;
+  std::vector<float> heating_range;  // lowest and highest set point, °C; none without heating
+  std::optional<std::string> heating_schedule;
+  std::optional<std::string> cooling_period;
+  std::vector<float> cooling_range;
+  std::optional<std::string> cooling_schedule;
+};
+
+/// A choice that a configuration changed.
+struct qv_study_change {
+  std::string element;  // "wall", "opening", "thermal_bridge"
+  std::string id;       // of the source element, or a name
+  std::string param;    // "composition", "psi"
+  std::optional<std::string> before;
+  std::optional<std::string> after;
 };
 
 struct qv_study_layer {
@@ -217,6 +264,11 @@ struct qv_study_results {
   std::vector<qv_study_glazing> glazings;
   std::vector<qv_study_facade> facades;
   qv_study_generation generation;
+  std::vector<qv_study_thermal_bridge> thermal_bridges;
+  std::vector<qv_study_usage> usages;
+  std::vector<qv_study_change> changes;  // by a configuration
+  qv_heat_loss heat_loss;
+  std::string psi_catalogue;  // where the ψ values come from
   qv_study_ledger ledger;
   int closed_space_count = 0;      // spaces whose surfaces leave no gap
   std::vector<std::string> notes;  // what the user should know of this study, a sentence each

@@ -215,20 +215,20 @@ TEST(qv_study_command, tells_that_standard_output_cannot_be_written) {
   EXPECT_THAT(run.errors, HasSubstr("standard output"));
 }
 
-TEST(qv_study_command, writes_the_five_files_and_a_summary) {
+TEST(qv_study_command, writes_its_files_and_a_summary) {
   const qv_temporary_folder place;
   const auto run = qv_run({"study", sample, "--out", place.path()});
   EXPECT_EQ(run.exit_code, 0) << run.errors;
   EXPECT_THAT(run.output, HasSubstr("1 building, 3 storeys, 3 zones, 11 spaces"));
-  EXPECT_EQ(entry_count(place.path()), 5u);
+  EXPECT_EQ(entry_count(place.path()), 6u);
   const auto study = nlohmann::json::parse(qv_file_content(place.path() / "study.json"));
   EXPECT_EQ(study["source"], sample);
   const std::string model = qv_file_content(place.path() / "model.json");
   EXPECT_THAT(model, testing::StartsWith("{\"buildings:\":[{\"name:\":\"Maison\",\"zones:\":["));
   EXPECT_TRUE(nlohmann::json::accept(model));
   EXPECT_THAT(model, HasSubstr("\"name:\":\"Salon\",\"volume\":108.00,\"area\":40.00"));
-  for (const char* name : {"spaces", "walls", "openings"}) {
-    const std::string table = qv_file_content(place.path() / (std::string(name) + ".csv"));
+  for (const std::string name : {"spaces", "walls", "openings", "thermal_bridges"}) {
+    const std::string table = qv_file_content(place.path() / (name + ".csv"));
     const auto& records = study[name];
     EXPECT_EQ(static_cast<std::size_t>(std::count(table.begin(), table.end(), '\n')),
               records.size() + 1);
@@ -254,7 +254,8 @@ TEST(qv_study_command, gives_the_same_files_each_time_and_from_any_folder) {
   const auto run = qv_run_shell("cd '" + place.path().string() + "' && cp '" + sample +
                                 "' house.xml && \"$QV\" study house.xml --out second");
   ASSERT_EQ(run.exit_code, 0) << run.errors;
-  for (const char* name : {"model.json", "spaces.csv", "walls.csv", "openings.csv"}) {
+  for (const char* name :
+       {"model.json", "spaces.csv", "walls.csv", "openings.csv", "thermal_bridges.csv"}) {
     EXPECT_EQ(qv_file_content(place.path() / "first" / name),
               qv_file_content(place.path() / "second" / name))
         << name;

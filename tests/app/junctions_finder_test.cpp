@@ -185,6 +185,13 @@ TEST(qv_find_junctions, bridges_gaps_of_millimetres_and_no_more) {
   EXPECT_EQ(pair(0.006).size(), 0u);
 }
 
+TEST(qv_find_junctions, does_not_join_edges_that_would_meet_if_they_were_longer) {
+  // Two slabs 18 cm apart, whose edges are a hair from parallel.
+  EXPECT_TRUE(qv_find_junctions({rectangle({0, 0, 0}, {10, 0.001, 0}, {10, 5, 0}),
+                                 rectangle({2, -0.18, 0}, {4, -0.18, 0}, {4, -3, 0})})
+                  .empty());
+}
+
 TEST(qv_find_junctions, takes_no_point_and_no_crossing_for_a_junction) {
   // Two walls that touch at a corner only, and two that cross in the middle of their faces.
   EXPECT_TRUE(qv_find_junctions({rectangle({0, 0, 0}, {4, 0, 0}, {4, 0, 3}),

@@ -61,6 +61,19 @@ qv::qv_study_results small_study() {
   study.glazings[0].layers.push_back(
       {"Argon", "gas", 0.016f, 0.0168f, "argon", {}, {}, {}, {}, {}, {}, {}, {}});
   study.facades = {{"north"}, {"east", 1, 2, 17.0, 5.0, 3.0}, {"south"}, {"west"}};
+  study.thermal_bridges.push_back({"bridge-1",
+                                   "lower_floor_soil_facade",
+                                   4.0f,
+                                   0.5f,
+                                   2.0,
+                                   {"w1", "w2"},
+                                   {0.0f, 0.0f, 0.0f},
+                                   {4.0f, 0.0f, 0.0f},
+                                   "interior"});
+  study.heat_loss = qv::qv_sum_heat_loss(
+      {{"outer_wall", "outside", 12.0, 0.5, 0.46}, {"lower_floor", "soil", 20.5, {}, {}}}, {},
+      {{"lower_floor_soil_facade", 4.0, 0.5}});
+  study.psi_catalogue = "Mine";
   study.ledger.tallies = {{"Space", "kept", 2},
                           {"Space", "dropped", 0},
                           {"Surface", "kept", 3},
@@ -74,9 +87,10 @@ qv::qv_study_results small_study() {
 TEST(qv_study_json, has_its_keys_in_their_order) {
   const auto study = nlohmann::ordered_json::parse(qv::qv_study_json(small_study()));
   using names = std::vector<std::string>;
-  EXPECT_EQ(keys_of(study), (names{"format", "version", "source", "location", "totals", "buildings",
-                                   "spaces", "walls", "compositions", "openings", "glazings",
-                                   "facades", "generated_openings", "ledger"}));
+  EXPECT_EQ(keys_of(study),
+            (names{"format", "version", "source", "location", "totals", "buildings", "spaces",
+                   "walls", "compositions", "openings", "glazings", "facades", "generated_openings",
+                   "thermal_bridges", "heat_loss", "usages", "configuration_changes", "ledger"}));
   EXPECT_EQ(keys_of(study["totals"]), (names{"spaces", "area_m2", "volume_m3", "loss_area_m2",
                                              "walls", "openings", "loss_opening_area_m2"}));
   EXPECT_EQ(keys_of(study["buildings"][0]),
@@ -87,7 +101,15 @@ TEST(qv_study_json, has_its_keys_in_their_order) {
                    "stated_area_m2", "stated_volume_m3", "html"}));
   EXPECT_EQ(keys_of(study["walls"][0]),
             (names{"id", "name", "wall_type", "contact_type", "space_0", "space_1", "area_m2",
-                   "azimuth_deg", "tilt_deg", "u", "composition", "limit_condition"}));
+                   "azimuth_deg", "tilt_deg", "u", "composition", "limit_condition", "boundary",
+                   "u_with_surfaces"}));
+  EXPECT_EQ(keys_of(study["thermal_bridges"][0]),
+            (names{"id", "type", "length_m", "psi", "loss_w_per_k", "walls", "point_0", "point_1",
+                   "insulation"}));
+  EXPECT_EQ(keys_of(study["heat_loss"]),
+            (names{"h_t_w_per_k", "h_t_with_surfaces_w_per_k", "mean_u", "mean_u_with_surfaces",
+                   "area_m2", "unknown_u_area_m2", "bridges_w_per_k", "psi_catalogue", "walls",
+                   "openings", "bridges", "boundaries"}));
   EXPECT_EQ(keys_of(study["compositions"][0]),
             (names{"name", "typology", "u", "resistance", "thickness", "layers"}));
   EXPECT_EQ(keys_of(study["compositions"][0]["layers"][0]),
@@ -163,10 +185,10 @@ TEST(qv_study_csv, quotes_what_needs_quotes_and_leaves_out_long_texts) {
 TEST(qv_study_csv, has_a_line_for_each_wall) {
   EXPECT_EQ(qv::qv_walls_csv(small_study()),
             "id,name,wall_type,contact_type,space_0,space_1,area_m2,azimuth_deg,tilt_deg,u,"
-            "composition,limit_condition\r\n"
-            "w1,façade,wall,outer_wall,s1,,12,90,90,0.5,Brique,\r\n"
-            "w2,dalle,floor,lower_floor,s1,,20.5,,180,,,Soil\r\n"
-            "w3,cloison,wall,inner_wall,s1,s2,8,0,90,2,Plâtre,\r\n");
+            "composition,limit_condition,boundary,u_with_surfaces\r\n"
+            "w1,façade,wall,outer_wall,s1,,12,90,90,0.5,Brique,,outside,\r\n"
+            "w2,dalle,floor,lower_floor,s1,,20.5,,180,,,Soil,outside,\r\n"
+            "w3,cloison,wall,inner_wall,s1,s2,8,0,90,2,Plâtre,,outside,\r\n");
 }
 
 TEST(qv_study_csv, keeps_line_breaks_of_a_name_inside_quotes) {

@@ -147,6 +147,21 @@ TEST_F(sample_house, has_the_u_values_of_its_page) {
   }
 }
 
+TEST_F(sample_house, has_the_thermal_bridges_of_its_page) {
+  std::map<std::string, double> lengths;
+  double sum = 0.0;
+  for (const auto& bridge : study_.thermal_bridges) {
+    lengths[bridge.type] += bridge.length;
+    sum += bridge.length;
+  }
+  const auto rows = qv_markdown_rows(page_, "bridge");
+  ASSERT_EQ(rows.size(), lengths.size());
+  for (const auto& row : rows) {
+    EXPECT_NEAR(lengths[row[0]], qv_last_number(row[1]), 1e-3) << row[0];
+  }
+  EXPECT_NEAR(sum, 336.4, 1e-3);
+}
+
 TEST_F(sample_house, has_its_storeys_zones_and_building) {
   ASSERT_EQ(study_.buildings.size(), 1u);
   const auto& building = study_.buildings[0];

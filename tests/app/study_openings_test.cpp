@@ -21,10 +21,7 @@ qv::qv_study_results study_of(const qv::qv_gbxml_model& model,
                               const qv::qv_glazing_ratios& ratios = {}) {
   qv::qv_study_options options;
   options.glazing_ratios = ratios;
-  const auto generation = qv::qv_compute_model(model, options);
-  auto study = qv::qv_gather_study(model);
-  study.generation = generation;
-  return study;
+  return qv::qv_gather_study(model, qv::qv_compute_model(model, options));
 }
 
 std::string window(const std::vector<point>& corners) {

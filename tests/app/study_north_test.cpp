@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "app/study/qv_study.h"
+#include "bim/qv_load_bim_items.h"
+#include "tests/app/qv_program.h"
+#include "tests/app/qv_temporary_folder.h"
+#include "tests/support/qv_test_paths.h"
+
+// The sample house on sites that turn it.
+namespace {
+
+using namespace qv;
+
+qv_study_results study_of(const std::string& azimuth, std::optional<double> north = {}) {
+  qv_load_bim_items();
+  std::string text = qv_file_content(QV_SOURCE_DIR "/samples/house.xml");
+  const std::string stated = "<CADModelAzimuth>0<";
+  text.replace(text.find(stated), stated.size(), "<CADModelAzimuth>" + azimuth + "<");
+  const auto model = qv_read_gbxml_bytes("house.xml", text);
+  qv_study_options options;
+  options.north = north;
+  return qv_gather_study(model, qv_compute_model(model, options));
+}
+
+void expect_turned(const qv_study_results& turned, double angle) {
+  static const qv_study_results straight = study_of("0");
+  ASSERT_EQ(turned.walls.size(), straight.walls.size());
+  for (std::size_t i = 0; i < turned.walls.size(); ++i) {
+    const auto& wall = turned.walls[i];
+    ASSERT_EQ(wall.azimuth.has_value(), straight.walls[i].azimuth.has_value()) << wall.name;
+    if (wall.azimuth.has_value()) {
+      const double difference =
+          std::remainder(*wall.azimuth - *straight.walls[i].azimuth - angle, 360.0);
+      EXPECT_NEAR(difference, 0.0, 1e-2) << wall.name;
+    }
+    EXPECT_NEAR(wall.tilt.value(), straight.walls[i].tilt.value(), 1e-2);
+    EXPECT_NEAR(wall.area, straight.walls[i].area, 1e-3);
+    EXPECT_EQ(wall.contact_type, straight.walls[i].contact_type);
+  }
+  EXPECT_EQ(turned.thermal_bridges.size(), straight.thermal_bridges.size());
+  EXPECT_NEAR(turned.heat_loss.h_t, straight.heat_loss.h_t, 1e-4 * straight.heat_loss.h_t);
+  EXPECT_NEAR(turned.get_volume(), straight.get_volume(), 1e-2 * straight.get_volume());
+}
+
+TEST(qv_compute_model, turns_the_model_to_true_north) {
+  expect_turned(study_of("30"), 30.0);
+  expect_turned(study_of("-90"), -90.0);
+  expect_turned(study_of("360"), 0.0);
+}
+
+TEST(qv_compute_model, prefers_the_north_that_the_user_gives) {
+  expect_turned(study_of("30", 0.0), 0.0);
+  expect_turned(study_of("30", 200.5), 200.5);
+}
+
+TEST(qv_compute_model, stays_as_drawn_where_the_file_says_nonsense) {
+  expect_turned(study_of("north"), 0.0);
+}
+
+TEST(qv_study_command, takes_north_from_the_command_line) {
+  const std::string sample = QV_SOURCE_DIR "/samples/house.xml";
+  const qv_temporary_folder place;
+  ASSERT_EQ(qv_run({"study", sample, "--out", place.path(), "--north", "90"}).exit_code, 0);
+  const std::string study = qv_file_content(place.path() / "study.json");
+  EXPECT_NE(study.find("\"azimuth_deg\":90,"), std::string::npos);
+  EXPECT_EQ(qv_run({"study", sample, "--out", place.path(), "--north", "up"}).exit_code, 2);
+  EXPECT_EQ(qv_run({"study", sample, "--out", place.path(), "--north", "nan"}).exit_code, 2);
+}
+
+}  // namespace
