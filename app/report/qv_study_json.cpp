@@ -127,6 +127,7 @@ std::string qv_study_json(const qv_study_results& study) {
   write_records(json, "facades", qv_facade_fields(), study.facades);
   write_generation(json, study.generation);
   write_ledger(json, study.ledger);
+  write_records(json, "findings", qv_finding_fields(), study.findings);
   json.end_object();
   return json.text();
 }

@@ -1,8 +1,12 @@
 #include "app/study/qv_study.h"
 
+#include <utility>
+
+#include "app/check/qv_check.h"
 #include "app/readers/qv_gbxml_reader.h"
 #include "app/study/qv_study_gather.h"
 #include "bim/hierarchy/qvi_building.h"
+#include "bim/hierarchy/qvi_space.h"
 #include "bim/materials/qvi_limit_condition.h"
 #include "bim/project/qvi_bim_root.h"
 
@@ -23,6 +27,18 @@ std::vector<std::string> notes_on(const qv_gbxml_model& model, const qv_study_op
         "buildings and names");
   }
   return notes;
+}
+
+// What the check of the model found, and which spaces leak.
+void add_findings(qv_study_results& study, const qv_gbxml_model& model) {
+  qv_check_report report = qv_check_model(model);
+  study.findings = std::move(report.findings);
+  const qv_list<qv_item*>& spaces = model.scene->get_items("space");  // in the order of the study
+  for (std::size_t i = 0; i < study.spaces.size(); ++i) {
+    const auto share =
+        report.leaking_shares.find(static_cast<qvi_space*>(spaces[static_cast<int>(i)]));
+    if (share != report.leaking_shares.end()) study.spaces[i].leaking_share = share->second;
+  }
 }
 
 void announce(const qv_study_progress& progress, int step, const char* what) {
@@ -64,6 +80,7 @@ qv_study_results qv_run_study(const qv_study_options& options, const qv_study_pr
   announce(progress, 4, "gathering the results");
   qv_study_results study = qv_gather_study(model);
   study.generation = generation;
+  add_findings(study, model);
   study.source = options.model;
   study.notes = notes_on(model, options);
   study.model_json = qv_model_text(model);

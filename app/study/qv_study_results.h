@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "app/check/qv_finding.h"
+
 namespace qv {
 
 // What a study found out, as plain values: nothing here knows an item or a scene, so that reports
@@ -48,6 +50,9 @@ struct qv_study_space {
   std::optional<double> stated_area;  // by the model file itself
   std::optional<double> stated_volume;
   std::string html;  // information panel
+  /// Share of the rays from the space's surfaces that escape through holes; absent when it does not
+  /// leak. Area and volume of a leaking space are not to be relied on.
+  std::optional<double> leaking_share;
 };
 
 struct qv_study_wall {
@@ -218,6 +223,7 @@ struct qv_study_results {
   std::vector<qv_study_facade> facades;
   qv_study_generation generation;
   qv_study_ledger ledger;
+  std::vector<qv_finding> findings;  // of the check of the model
   int closed_space_count = 0;      // spaces whose surfaces leave no gap
   std::vector<std::string> notes;  // what the user should know of this study, a sentence each
   std::string model_json;          // buildings, zones and spaces with their geometry
