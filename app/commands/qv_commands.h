@@ -14,6 +14,8 @@ namespace qv {
 inline constexpr int qv_exit_success = 0;
 inline constexpr int qv_exit_own_fault = 1;
 inline constexpr int qv_exit_usage = 2;
+/// `check` found something.
+inline constexpr int qv_exit_findings = 1;
 
 /// What a chosen sub-command does once the whole command line is understood; returns the exit code.
 using qv_command_action = std::function<int()>;
@@ -22,6 +24,8 @@ using qv_command_action = std::function<int()>;
 
 /// `study MODEL --out DIR [--rename-spaces] [--regroup]`
 void qv_add_study_command(CLI::App& program, qv_command_action& action);
+/// `check MODEL [--fix --out MODEL2] [--format text|json]`
+void qv_add_check_command(CLI::App& program, qv_command_action& action);
 /// `info MODEL`
 void qv_add_info_command(CLI::App& program, qv_command_action& action);
 /// `glazing LAYERS`

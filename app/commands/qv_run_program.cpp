@@ -74,14 +74,17 @@ int understand_and_run(int argument_count, const char* const* arguments) {
   program.footer(
       "Examples:\n"
       "  qv study house.xml --out results\n"
+      "  qv check house.xml\n"
       "  qv info house.xml\n"
       "  qv export house.xml --format gltf --out house.gltf\n"
       "  qv glazing \"4 low-e / 16 argon / 4\"\n"
       "  qv help study\n\n"
-      "Exit codes: 0 done, 1 fault of the program, 2 mistake in the command line,\n"
+      "Exit codes: 0 done, 1 fault of the program or findings of `check`,\n"
+      "            2 mistake in the command line,\n"
       "            3 mistake in the model, 4 a file cannot be read or written");
   qv_command_action action;
   qv_add_study_command(program, action);
+  qv_add_check_command(program, action);
   qv_add_info_command(program, action);
   qv_add_export_command(program, action);
   qv_add_glazing_command(program, action);

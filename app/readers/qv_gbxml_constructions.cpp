@@ -68,9 +68,12 @@ void qv_gbxml_constructions::read_material(qv_xml_element element) {
   m.id = std::string(element.get_attribute("id"));
   m.name = name_or_id(element);
   m.entry = context_.add_entry(kind::material, element, outcome::kept, "");
+  std::vector<std::string> impossible;
   const auto positive = [&](const char* name, qv_quantity quantity) {
     auto value = context_.read_measure(element.get_child(name), quantity);
     if (value && *value <= 0) {
+      if (*value < 0 || quantity == qv_quantity::conductivity)
+        impossible.push_back("its " + std::string(name) + " is " + with_digits(*value));
       if (*value < 0)
         context_.get_ledger().amend(m.entry, outcome::repaired,
                                     std::string(name) + " is negative and was left out");
@@ -83,6 +86,9 @@ void qv_gbxml_constructions::read_material(qv_xml_element element) {
   m.density = positive("Density", qv_quantity::density);
   m.specific_heat = positive("SpecificHeat", qv_quantity::specific_heat);
   m.resistance = positive("R-value", qv_quantity::thermal_resistance);
+  for (std::string& words : impossible)
+    context_.get_model().flaws.push_back(
+        {qv_source_flaw::kind::impossible_value, m.id, std::move(words)});
   complete_resistance(m);
   m.key = key_of({m.thickness, m.conductivity, m.density, m.specific_heat, m.resistance}) + m.name;
 

@@ -73,6 +73,27 @@ struct qv_source_space {
   double floor_area = 0;
 };
 
+/// Something wrong in the file that the reader mended or put up with.
+struct qv_source_flaw {
+  enum class kind : int {
+    /// A Surface's polygon looks into its first space; it was turned.
+    polygon_faces_its_space,
+    /// Its corners lie farther from a plane than rounding explains.
+    polygon_not_plane,
+    /// It bounds nothing: no area, thinner than a hair, coordinates that are none.
+    polygon_degenerate,
+    /// A Surface that is no shade names no space, or none that is there.
+    names_no_space,
+    /// A Material's value that no substance has; it was left out.
+    impossible_value
+  };
+  kind what = kind::polygon_not_plane;
+  /// Id of the Surface or Material.
+  std::string id;
+  /// The particulars, "its Density is -3"; empty where the kind says it all.
+  std::string words;
+};
+
 /// A model read from a file.
 ///
 /// The scene holds one `qvi_bim_root`. Under it, in the order of the file: materials, compositions,
@@ -104,6 +125,8 @@ struct qv_gbxml_model {
   /// Metres that were taken off every coordinate because the model lies too far from the origin for
   /// single precision; (0, 0, 0) otherwise.
   double origin[3] = {0, 0, 0};
+  /// In the order in which the reader met them.
+  std::vector<qv_source_flaw> flaws;
   /// What is odd about the file but did not stop the reading, one line each with its place.
   std::vector<std::string> warnings;
 };

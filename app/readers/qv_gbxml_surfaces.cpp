@@ -16,6 +16,7 @@ using qv::qv_import_ledger;
 using qv::qv_surface_type;
 using kind = qv_import_ledger::kind;
 using outcome = qv_import_ledger::outcome;
+using flaw = qv::qv_source_flaw::kind;
 
 // m; farther out neighbouring floats lie more than 0.1 mm apart.
 constexpr double largest_distance = 1500;
@@ -159,6 +160,23 @@ void qv_gbxml_surfaces::read_surface(const qv_gbxml_site::surface_place& place,
     ledger.amend(surface.entry, outcome::repaired, repair);
   if (surface.polygon.parts.empty())
     ledger.amend(surface.entry, outcome::dropped, surface.polygon.fault);
+  note_flaws(surface, !parts.spaces.empty());
+}
+
+void qv_gbxml_surfaces::note_flaws(const qv_gbxml_surface& surface, bool names_space) {
+  std::vector<qv_source_flaw>& flaws = context_.get_model().flaws;
+  const qv_source_polygon& polygon = surface.polygon;
+  if (polygon.parts.empty()) flaws.push_back({flaw::polygon_degenerate, surface.id, polygon.fault});
+  for (const std::string& repair : polygon.repairs)
+    if (repair.find("off a plane") != std::string::npos)
+      flaws.push_back({flaw::polygon_not_plane, surface.id, repair});
+  const bool needs_space = surface.type != qv_surface_type::shade &&
+                           surface.type != qv_surface_type::freestanding_column &&
+                           surface.type != qv_surface_type::embedded_column;
+  if (needs_space && surface.spaces[0] < 0)
+    flaws.push_back(
+        {flaw::names_no_space, surface.id,
+         names_space ? "the space that it names is not in the file" : "it names no space"});
 }
 
 std::vector<qv_loop> qv_gbxml_surfaces::read_outlines(qv_xml_element surface) {

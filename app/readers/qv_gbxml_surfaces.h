@@ -68,6 +68,7 @@ class qv_gbxml_surfaces {
   struct surface_parts;
 
   void read_surface(const qv_gbxml_site::surface_place& place, surface_parts& parts);
+  void note_flaws(const qv_gbxml_surface& surface, bool names_space);
   void find_spaces(qv_gbxml_surface& surface, const std::vector<std::string_view>& names);
   void find_construction(qv_gbxml_surface& surface, std::string_view reference);
   std::vector<qv_loop> read_outlines(qv_xml_element surface);

@@ -152,6 +152,8 @@ void qv_gbxml_walls::turn(qv_gbxml_surface& surface) {
   }
   context_.get_ledger().amend(surface.entry, outcome::repaired,
                               "its polygon faced its first space and was turned");
+  context_.get_model().flaws.push_back(
+      {qv_source_flaw::kind::polygon_faces_its_space, surface.id, ""});
 }
 
 void qv_gbxml_walls::choose_types() {

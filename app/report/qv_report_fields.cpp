@@ -63,6 +63,7 @@ constexpr qv_report_field<qv_study_space> space_fields[] = {
     {"stated_area_m2", read<&qv_study_space::stated_area>},
     {"stated_volume_m3", read<&qv_study_space::stated_volume>},
     {"html", read<&qv_study_space::html>, false},
+    {"leaking_share", read<&qv_study_space::leaking_share>},
 };
 
 constexpr qv_report_field<qv_study_wall> wall_fields[] = {
@@ -232,6 +233,12 @@ constexpr qv_report_field<qv_study_refusal> refusal_fields[] = {
     {"walls", [](const qv_study_refusal& refusal) { return count_of(refusal.walls); }},
 };
 
+constexpr qv_report_field<qv_finding> finding_fields[] = {
+    {"code", read<&qv_finding::code>},   {"kind", read<&qv_finding::kind>},
+    {"id", read<&qv_finding::id>},       {"message", read<&qv_finding::message>},
+    {"place", read<&qv_finding::place>},
+};
+
 constexpr qv_report_field<qv_study_fate> fate_fields[] = {
     {"kind", read<&qv_study_fate::kind>},       {"id", read<&qv_study_fate::id>},
     {"outcome", read<&qv_study_fate::outcome>}, {"reason", read<&qv_study_fate::reason>},
@@ -315,6 +322,9 @@ std::span<const qv_report_field<qv_study_refusal>> qv_refusal_fields() {
 }
 std::span<const qv_report_field<qv_study_opening_balance>> qv_opening_balance_fields() {
   return opening_balance_fields;
+}
+std::span<const qv_report_field<qv_finding>> qv_finding_fields() {
+  return finding_fields;
 }
 std::span<const qv_report_field<qv_study_fate>> qv_fate_fields() {
   return fate_fields;

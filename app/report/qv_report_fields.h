@@ -29,6 +29,7 @@ std::span<const qv_report_field<qv_study_glazing>> qv_glazing_fields();
 std::span<const qv_report_field<qv_study_glazing_layer>> qv_glazing_layer_fields();
 std::span<const qv_report_field<qv_study_facade>> qv_facade_fields();
 std::span<const qv_report_field<qv_study_refusal>> qv_refusal_fields();
+std::span<const qv_report_field<qv_finding>> qv_finding_fields();
 std::span<const qv_report_field<qv_study_fate>> qv_fate_fields();
 std::span<const qv_report_field<qv_study_balance>> qv_balance_fields();
 std::span<const qv_report_field<qv_study_opening_balance>> qv_opening_balance_fields();

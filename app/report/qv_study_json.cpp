@@ -144,6 +144,7 @@ std::string qv_study_json(const qv_study_results& study) {
   write_records(json, "usages", qv_usage_fields(), study.usages);
   write_records(json, "configuration_changes", qv_change_fields(), study.changes);
   write_ledger(json, study.ledger);
+  write_records(json, "findings", qv_finding_fields(), study.findings);
   json.end_object();
   return json.text();
 }

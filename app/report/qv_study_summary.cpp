@@ -51,6 +51,11 @@ std::string buildings_part(const qv_study_results& study) {
   return table.text();
 }
 
+// The figure, with a mark where the space leaks.
+std::string measured(double value, const qv_study_space& space) {
+  return qv_hundredths(value) + (space.leaking_share.has_value() ? "*" : "");
+}
+
 std::string spaces_part(const qv_study_results& study) {
   qv_text_table table({{"Space", left},
                        {"storey", right},
@@ -66,9 +71,9 @@ std::string spaces_part(const qv_study_results& study) {
     const auto& space = study.spaces[index];
     table.add_row({space.name.empty() ? space.id : space.name,
                    space.floor.has_value() ? std::to_string(*space.floor) : unknown,
-                   space.zone.value_or(unknown), qv_hundredths(space.area),
+                   space.zone.value_or(unknown), measured(space.area, space),
                    qv_hundredths(space.stated_area), difference(space.area, space.stated_area),
-                   qv_hundredths(space.volume), qv_hundredths(space.stated_volume),
+                   measured(space.volume, space), qv_hundredths(space.stated_volume),
                    difference(space.volume, space.stated_volume)});
   }
   if (shown < study.spaces.size()) {
@@ -80,13 +85,29 @@ std::string spaces_part(const qv_study_results& study) {
   table.add_row({"all spaces", "", "", qv_hundredths(study.get_area()), qv_hundredths(stated_area),
                  difference(study.get_area(), stated_area), qv_hundredths(study.get_volume()),
                  qv_hundredths(stated_volume), difference(study.get_volume(), stated_volume)});
-  return table.text() + fmt::format(
-                            "  Area: floor with more than 1.8 m of free height. Measured on the "
-                            "Surface polygons of\n"
-                            "  the file, of which those of {} of {} spaces close without a gap; "
-                            "stated figures may be\n"
-                            "  those of other faces, for example the inner ones.\n",
-                            study.closed_space_count, study.spaces.size());
+  return table.text() +
+         fmt::format(
+             "  Area: floor with more than 1.8 m of free height. Measured on the "
+             "Surface polygons of\n"
+             "  the file, of which those of {} of {} spaces close without a gap; "
+             "stated figures may be\n"
+             "  those of other faces, for example the inner ones.\n",
+             study.closed_space_count, study.spaces.size()) +
+         (std::any_of(study.spaces.begin(), study.spaces.end(),
+                      [](const auto& space) { return space.leaking_share.has_value(); })
+              ? "  * The space leaks: rays escape through holes between its surfaces.\n"
+              : "");
+}
+
+// How many findings there are of each kind.
+std::string findings_part(const std::vector<qv_finding>& findings) {
+  qv_text_table table({{"Findings"}, {"", right}, {""}});
+  for (const qv_check_code& code : qv_check_codes()) {
+    const auto count = std::count_if(findings.begin(), findings.end(),
+                                     [&](const auto& f) { return f.code == code.code; });
+    if (count > 0) table.add_row({code.code, std::to_string(count), code.meaning});
+  }
+  return table.text() + "  See \"findings\" in study.json, or run `qv check`.\n";
 }
 
 // Areas and U of the walls of one contact type.
@@ -282,6 +303,7 @@ std::string qv_study_summary(const qv_study_results& study) {
   if (!study.heat_loss.boundaries.empty()) text += "\n" + qv_heat_loss_summary(study);
   if (!study.changes.empty()) text += "\n" + changes_part(study.changes);
   text += "\n" + qv_ledger_summary(study.ledger);
+  if (!study.findings.empty()) text += "\n" + findings_part(study.findings);
   if (!study.notes.empty()) text += '\n';
   for (const std::string& note : study.notes) text += "  Note: " + note + '\n';
   return text;

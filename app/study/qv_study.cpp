@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "app/check/qv_check.h"
 #include "app/junctions/qv_bridge_values.h"
 #include "app/junctions/qv_connexions.h"
 #include "app/readers/qv_gbxml_reader.h"
@@ -13,6 +14,7 @@
 #include "app/study/qv_study_gather.h"
 #include "bim/hierarchy/qvi_building.h"
 #include "bim/hierarchy/qvi_campus.h"
+#include "bim/hierarchy/qvi_space.h"
 #include "bim/materials/qvi_limit_condition.h"
 #include "bim/project/qvi_bim_root.h"
 
@@ -52,6 +54,18 @@ void stand_on_site(const qv_gbxml_model& model, const qv_study_options& options)
     const double azimuth = options.north.value_or(stated == azimuths.end() ? 0.0 : stated->second);
     // Clockwise from north here, counter-clockwise there.
     campus.transform(campus.get_translation(), static_cast<float>(-std::fmod(azimuth, 360.0)));
+  }
+}
+
+// What the check of the model found, and which spaces leak.
+void add_findings(qv_study_results& study, const qv_gbxml_model& model) {
+  qv_check_report report = qv_check_model(model);
+  study.findings = std::move(report.findings);
+  const qv_list<qv_item*>& spaces = model.scene->get_items("space");  // in the order of the study
+  for (std::size_t i = 0; i < study.spaces.size(); ++i) {
+    const auto share =
+        report.leaking_shares.find(static_cast<qvi_space*>(spaces[static_cast<int>(i)]));
+    if (share != report.leaking_shares.end()) study.spaces[i].leaking_share = share->second;
   }
 }
 
@@ -114,6 +128,7 @@ qv_study_results qv_run_study(const qv_study_options& options, const qv_study_pr
   qv_study_results study = qv_gather_study(model, findings);
   study.psi_catalogue = psi_of(options).name;
   if (options.north.has_value()) study.location.azimuth = options.north;
+  add_findings(study, model);
   study.source = options.model;
   study.notes = notes_on(model, options);
   study.model_json = qv_model_text(model);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/check/qv_finding.h"
 #include "app/study/qv_heat_loss.h"
 
 namespace qv {
@@ -50,6 +51,9 @@ struct qv_study_space {
   std::optional<double> stated_area;  // by the model file itself
   std::optional<double> stated_volume;
   std::string html;  // information panel
+  /// Share of the rays from the space's surfaces that escape through holes; absent when it does not
+  /// leak. Area and volume of a leaking space are not to be relied on.
+  std::optional<double> leaking_share;
 };
 
 struct qv_study_wall {
@@ -270,9 +274,10 @@ struct qv_study_results {
   qv_heat_loss heat_loss;
   std::string psi_catalogue;  // where the ψ values come from
   qv_study_ledger ledger;
-  int closed_space_count = 0;      // spaces whose surfaces leave no gap
-  std::vector<std::string> notes;  // what the user should know of this study, a sentence each
-  std::string model_json;          // buildings, zones and spaces with their geometry
+  std::vector<qv_finding> findings;  // of the check of the model
+  int closed_space_count = 0;        // spaces whose surfaces leave no gap
+  std::vector<std::string> notes;    // what the user should know of this study, a sentence each
+  std::string model_json;            // buildings, zones and spaces with their geometry
 
   /// Sums over the spaces, m² and m³.
   double get_area() const;

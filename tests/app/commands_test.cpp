@@ -39,7 +39,7 @@ TEST(qv_program, explains_itself) {
     const auto run = qv_run(words);
     EXPECT_EQ(run.exit_code, 0);
     EXPECT_EQ(run.errors, "");
-    for (const char* text : {"study", "info", "help", "Examples:", "Exit codes:"}) {
+    for (const char* text : {"study", "check", "info", "help", "Examples:", "Exit codes:"}) {
       EXPECT_THAT(run.output, HasSubstr(text));
     }
   }

@@ -87,10 +87,10 @@ qv::qv_study_results small_study() {
 TEST(qv_study_json, has_its_keys_in_their_order) {
   const auto study = nlohmann::ordered_json::parse(qv::qv_study_json(small_study()));
   using names = std::vector<std::string>;
-  EXPECT_EQ(keys_of(study),
-            (names{"format", "version", "source", "location", "totals", "buildings", "spaces",
-                   "walls", "compositions", "openings", "glazings", "facades", "generated_openings",
-                   "thermal_bridges", "heat_loss", "usages", "configuration_changes", "ledger"}));
+  EXPECT_EQ(keys_of(study), (names{"format", "version", "source", "location", "totals", "buildings",
+                                   "spaces", "walls", "compositions", "openings", "glazings",
+                                   "facades", "generated_openings", "thermal_bridges", "heat_loss",
+                                   "usages", "configuration_changes", "ledger", "findings"}));
   EXPECT_EQ(keys_of(study["totals"]), (names{"spaces", "area_m2", "volume_m3", "loss_area_m2",
                                              "walls", "openings", "loss_opening_area_m2"}));
   EXPECT_EQ(keys_of(study["buildings"][0]),
@@ -98,7 +98,7 @@ TEST(qv_study_json, has_its_keys_in_their_order) {
   EXPECT_EQ(keys_of(study["buildings"][0]["zones"][0]), (names{"name", "spaces"}));
   EXPECT_EQ(keys_of(study["spaces"][0]),
             (names{"id", "name", "building", "zone", "floor", "area_m2", "volume_m3",
-                   "stated_area_m2", "stated_volume_m3", "html"}));
+                   "stated_area_m2", "stated_volume_m3", "html", "leaking_share"}));
   EXPECT_EQ(keys_of(study["walls"][0]),
             (names{"id", "name", "wall_type", "contact_type", "space_0", "space_1", "area_m2",
                    "azimuth_deg", "tilt_deg", "u", "composition", "limit_condition", "boundary",
@@ -177,9 +177,10 @@ TEST(qv_study_json, is_valid_for_an_empty_study) {
 
 TEST(qv_study_csv, quotes_what_needs_quotes_and_leaves_out_long_texts) {
   EXPECT_EQ(qv::qv_spaces_csv(small_study()),
-            "id,name,building,zone,floor,area_m2,volume_m3,stated_area_m2,stated_volume_m3\r\n"
-            "s1,\"Salon, \"\"grand\"\"\",Bâtiment 1,Zone 1-1,0,20.5,51.25,20,50\r\n"
-            "s2,Cave,,,,10,25,,\r\n");
+            "id,name,building,zone,floor,area_m2,volume_m3,stated_area_m2,stated_volume_m3,"
+            "leaking_share\r\n"
+            "s1,\"Salon, \"\"grand\"\"\",Bâtiment 1,Zone 1-1,0,20.5,51.25,20,50,\r\n"
+            "s2,Cave,,,,10,25,,,\r\n");
 }
 
 TEST(qv_study_csv, has_a_line_for_each_wall) {

@@ -1,0 +1,101 @@
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <memory>
+#include <set>
+
+#include "app/check/qv_check.h"
+#include "app/commands/qv_commands.h"
+#include "app/commands/qv_progress.h"
+#include "app/readers/qv_file.h"
+#include "app/readers/qv_gbxml_turn.h"
+#include "app/report/qv_findings_report.h"
+#include "app/report/qv_output_folder.h"
+#include "app/study/qv_study.h"
+
+namespace qv {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct check_arguments {
+  std::string model;
+  bool fix = false;
+  std::string repaired;
+  std::string format = "text";
+};
+
+std::vector<qv_finding> find(const std::string& name, const std::string& bytes) {
+  const qv_gbxml_model model = qv_read_gbxml_bytes(name, bytes);
+  qv_compute_model(model, {});
+  return qv_check_model(model).findings;
+}
+
+// Turns the surfaces that look into their space.
+qv_turned_gbxml repair(const std::string& name, const std::string& bytes,
+                       const std::vector<qv_finding>& findings) {
+  std::set<std::string> ids;
+  for (const qv_finding& finding : findings)
+    if (finding.code == "reversed-normal") ids.insert(finding.id);
+  return qv_turn_gbxml_surfaces(name, bytes, ids);
+}
+
+qv_findings_report check(const check_arguments& arguments) {
+  qv_progress progress;
+  const int step_count = arguments.fix ? 3 : 2;
+  progress.begin_step(1, step_count, "reading the model");
+  const std::string bytes = qv_read_file(arguments.model, "a gbXML file");
+  progress.begin_step(2, step_count, "checking the model");
+  qv_findings_report report;
+  report.source = arguments.model;
+  report.findings = find(arguments.model, bytes);
+  if (!arguments.fix) return report;
+  progress.begin_step(3, step_count, "repairing the model");
+  const qv_turned_gbxml turned = repair(arguments.model, bytes, report.findings);
+  const fs::path file = arguments.repaired;
+  qv_output_folder folder(file.has_parent_path() ? file.parent_path() : fs::path("."));
+  folder.stage(file.filename().string(), turned.text);
+  report.repaired_file = arguments.repaired;
+  report.turned_count = turned.count;
+  report.findings = find(arguments.repaired, turned.text);
+  folder.commit();
+  return report;
+}
+
+int run_check(const check_arguments& arguments) {
+  const qv_findings_report report = check(arguments);
+  qv_print(arguments.format == "json" ? qv_findings_json(report) : qv_findings_text(report));
+  return report.findings.empty() ? qv_exit_success : qv_exit_findings;
+}
+
+}  // namespace
+
+void qv_add_check_command(CLI::App& program, qv_command_action& action) {
+  const auto arguments = std::make_shared<check_arguments>();
+  CLI::App* command = program.add_subcommand(
+      "check", "Look for what is wrong with a gbXML model: holes, reversed surfaces, …");
+  command->add_option("MODEL", arguments->model, "The model, a gbXML file")
+      ->required()
+      ->option_text(" ");
+  command->add_flag("--fix", arguments->fix, "Turn the surfaces that look into their space");
+  command->add_option("--out", arguments->repaired, "With --fix: the file for the repaired model")
+      ->option_text("MODEL2");
+  command->add_option("--format", arguments->format, "text (one line for each finding) or json")
+      ->option_text("FORMAT");
+  command->footer(
+      "Exit code 0 when there is nothing to tell, 1 with findings (with --fix: those left in "
+      "MODEL2).\n\n"
+      "Examples:\n"
+      "  qv check house.xml\n"
+      "  qv check house.xml --format json\n"
+      "  qv check house.xml --fix --out mended.xml");
+  command->callback([&action, arguments] {
+    if (arguments->model.empty()) throw CLI::ValidationError("MODEL is an empty name");
+    if (arguments->fix == arguments->repaired.empty())
+      throw CLI::ValidationError("--fix and --out go together");
+    if (arguments->format != "text" && arguments->format != "json")
+      throw CLI::ValidationError("--format is text or json");
+    action = [arguments] { return run_check(*arguments); };
+  });
+}
+
+}  // namespace qv
