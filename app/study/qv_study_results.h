@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "app/study/qv_study_sun.h"
+
 namespace qv {
 
 // What a study found out, as plain values: nothing here knows an item or a scene, so that reports
@@ -217,6 +219,7 @@ struct qv_study_results {
   std::vector<qv_study_glazing> glazings;
   std::vector<qv_study_facade> facades;
   qv_study_generation generation;
+  qv_study_sun sun;
   qv_study_ledger ledger;
   int closed_space_count = 0;      // spaces whose surfaces leave no gap
   std::vector<std::string> notes;  // what the user should know of this study, a sentence each

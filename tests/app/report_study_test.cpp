@@ -74,9 +74,10 @@ qv::qv_study_results small_study() {
 TEST(qv_study_json, has_its_keys_in_their_order) {
   const auto study = nlohmann::ordered_json::parse(qv::qv_study_json(small_study()));
   using names = std::vector<std::string>;
-  EXPECT_EQ(keys_of(study), (names{"format", "version", "source", "location", "totals", "buildings",
-                                   "spaces", "walls", "compositions", "openings", "glazings",
-                                   "facades", "generated_openings", "ledger"}));
+  EXPECT_EQ(keys_of(study),
+            (names{"format", "version", "source", "location", "totals", "buildings", "spaces",
+                   "walls", "compositions", "openings", "glazings", "facades", "generated_openings",
+                   "ledger", "weather", "solar_by_orientation"}));
   EXPECT_EQ(keys_of(study["totals"]), (names{"spaces", "area_m2", "volume_m3", "loss_area_m2",
                                              "walls", "openings", "loss_opening_area_m2"}));
   EXPECT_EQ(keys_of(study["buildings"][0]),
@@ -87,7 +88,7 @@ TEST(qv_study_json, has_its_keys_in_their_order) {
                    "stated_area_m2", "stated_volume_m3", "html"}));
   EXPECT_EQ(keys_of(study["walls"][0]),
             (names{"id", "name", "wall_type", "contact_type", "space_0", "space_1", "area_m2",
-                   "azimuth_deg", "tilt_deg", "u", "composition", "limit_condition"}));
+                   "azimuth_deg", "tilt_deg", "u", "composition", "limit_condition", "solar"}));
   EXPECT_EQ(keys_of(study["compositions"][0]),
             (names{"name", "typology", "u", "resistance", "thickness", "layers"}));
   EXPECT_EQ(keys_of(study["compositions"][0]["layers"][0]),
@@ -95,7 +96,7 @@ TEST(qv_study_json, has_its_keys_in_their_order) {
   EXPECT_EQ(keys_of(study["openings"][0]),
             (names{"id", "name", "wall", "opening_type", "composition", "glazing_area_m2",
                    "opaque_area_m2", "frame_area_m2", "full_area_m2", "u", "solar_factor",
-                   "visible_transmittance", "html"}));
+                   "visible_transmittance", "html", "solar"}));
   EXPECT_EQ(keys_of(study["glazings"][0]),
             (names{"name", "u_vertical", "u_horizontal", "u_inclined", "solar_factor",
                    "visible_transmittance", "thickness_m", "layers"}));
