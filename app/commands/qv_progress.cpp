@@ -12,6 +12,8 @@ namespace {
 
 constexpr int bar_width = 20;
 constexpr std::chrono::seconds quiet_time(2);  // work shorter than this says nothing
+constexpr std::chrono::milliseconds redraw_pause(100);
+constexpr std::chrono::milliseconds line_pause(10000);
 // Back to the beginning of the line, which is then erased (ECMA-48).
 constexpr const char* erase_line = "\r\x1b[K";
 
@@ -29,7 +31,10 @@ qv_progress::~qv_progress() {
 }
 
 void qv_progress::begin_step(int step, int count, const std::string& what) {
-  const auto elapsed = std::chrono::steady_clock::now() - start_;
+  step_start_ = last_shown_ = std::chrono::steady_clock::now();
+  bar_ = bar_text(step, count, what);
+  what_ = what;
+  const auto elapsed = step_start_ - start_;
   if (terminal_) {
     fmt::print(stderr, "{}{}", erase_line, bar_text(step, count, what));
     std::fflush(stderr);
@@ -38,6 +43,29 @@ void qv_progress::begin_step(int step, int count, const std::string& what) {
     fmt::print(stderr, "qv: {} (step {} of {}, after {} s)\n", what, step, count,
                std::chrono::duration_cast<std::chrono::seconds>(elapsed).count());
   }
+}
+
+void qv_progress::advance(std::size_t done, std::size_t count) {
+  const auto now = std::chrono::steady_clock::now();
+  const auto pause = terminal_ ? redraw_pause : line_pause;
+  if (now - last_shown_ < pause) return;
+  last_shown_ = now;
+  const std::string share =
+      share_text(done, count, std::chrono::duration<double>(now - step_start_).count());
+  if (terminal_) {
+    fmt::print(stderr, "{}{}, {}", erase_line, bar_, share);
+    std::fflush(stderr);
+    shown_ = true;
+  } else {
+    fmt::print(stderr, "qv: {}: {}\n", what_, share);
+  }
+}
+
+std::string qv_progress::share_text(std::size_t done, std::size_t count, double elapsed_seconds) {
+  if (done == 0 || count == 0) return "0 %";
+  const double share = static_cast<double>(done) / static_cast<double>(count);
+  return fmt::format("{:.0f} %, {:.0f} s left", 100 * share,
+                     elapsed_seconds / share - elapsed_seconds);
 }
 
 std::string qv_progress::bar_text(int step, int count, const std::string& what) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <string>
 
 namespace qv {
@@ -18,11 +19,22 @@ class qv_progress {
   /// Step `step` of `count` (from 1) begins.
   void begin_step(int step, int count, const std::string& what);
 
+  /// Of the step that began last, `done` of `count` equal parts are done: the bar moves on and says
+  /// how much time is left, by the time of the parts so far. Elsewhere than on a terminal a line
+  /// comes every ten seconds. Calls must not overlap.
+  void advance(std::size_t done, std::size_t count);
+
   /// The bar before step `step` of `count`: "[##########----------] 3/4 measuring the spaces".
   static std::string bar_text(int step, int count, const std::string& what);
+  /// "37 %, 12 s left".
+  static std::string share_text(std::size_t done, std::size_t count, double elapsed_seconds);
 
  private:
   std::chrono::steady_clock::time_point start_;
+  std::chrono::steady_clock::time_point step_start_;
+  std::chrono::steady_clock::time_point last_shown_;
+  std::string bar_;   // of the present step
+  std::string what_;  // the present step does
   bool terminal_;
   bool shown_ = false;
 };

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/commands/qv_commands.h"
+#include "app/commands/qv_solar_options.h"
 #include "app/readers/qv_input_error.h"
 #include "bim/qv_load_bim_items.h"
 
@@ -85,6 +86,7 @@ int understand_and_run(int argument_count, const char* const* arguments) {
   qv_command_action action;
   qv_add_study_command(program, action);
   qv_add_check_command(program, action);
+  qv_add_solar_command(program, action);
   qv_add_info_command(program, action);
   qv_add_export_command(program, action);
   qv_add_glazing_command(program, action);
@@ -130,6 +132,9 @@ int qv_run_program(int argument_count, const char* const* arguments) {
   } catch (const qv_input_error& error) {
     complain(error.what());
     return error.get_exit_code();
+  } catch (const qv_interrupted& interrupted) {
+    complain(interrupted.what());
+    return qv_exit_interrupted;
   } catch (const std::bad_alloc&) {
     complain("the memory of this machine does not suffice");
   } catch (const std::exception& error) {

@@ -1,14 +1,19 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <filesystem>
 #include <memory>
+#include <optional>
 
 #include "app/commands/qv_commands.h"
+#include "app/commands/qv_interrupt.h"
 #include "app/commands/qv_progress.h"
+#include "app/commands/qv_solar_options.h"
 #include "app/readers/qv_file.h"
 #include "app/report/qv_output_folder.h"
 #include "app/report/qv_study_csv.h"
 #include "app/report/qv_study_json.h"
 #include "app/report/qv_study_summary.h"
+#include "app/report/qv_sun_report.h"
 #include "app/study/qv_project_configuration.h"
 #include "app/study/qv_study.h"
 
@@ -20,16 +25,21 @@ struct study_arguments {
   std::string psi;  // file of ψ values; empty without one
   std::string configuration;
   std::string folder;
+  bool no_solar = false;
+  std::string hourly;
 };
 
-qv_study_results study_with_progress(const qv_study_options& options) {
+qv_study_results study_with_progress(qv_study_options options) {
   qv_progress progress;
+  options.solar_progress = qv_show_solar_progress(progress);
   return qv_run_study(options, [&progress](int step, int count, const char* what) {
+    if (qv_interrupt::is_requested()) throw qv_interrupted();
     progress.begin_step(step, count, what);
   });
 }
 
 int run_study(const study_arguments& arguments) {
+  const qv_interrupt interrupt;
   qv_study_options options = arguments.study;
   if (!arguments.psi.empty()) options.psi = qv_read_psi_catalogue(arguments.psi);
   if (!arguments.configuration.empty()) {
@@ -39,6 +49,14 @@ int run_study(const study_arguments& arguments) {
   }
   // Before the work, so that a wrong folder is told at once.
   qv_output_folder folder(arguments.folder);
+  const std::filesystem::path hourly_file = arguments.hourly;
+  std::optional<qv_output_folder> hourly_folder;
+  if (!arguments.hourly.empty()) {
+    const auto parent = hourly_file.parent_path();
+    hourly_folder.emplace(parent.empty() ? std::filesystem::path(".") : parent);
+  }
+  options.solar.wanted = !arguments.no_solar;
+  options.solar.keep_hours = hourly_folder.has_value();
   const qv_study_results study = study_with_progress(options);
   folder.stage("study.json", qv_study_json(study));
   folder.stage("model.json", study.model_json);
@@ -46,9 +64,16 @@ int run_study(const study_arguments& arguments) {
   folder.stage("walls.csv", qv_walls_csv(study));
   folder.stage("openings.csv", qv_openings_csv(study));
   folder.stage("thermal_bridges.csv", qv_thermal_bridges_csv(study));
+  if (options.solar.wanted) folder.stage("solar.csv", qv_solar_csv(study));
+  if (hourly_folder) {
+    hourly_folder->stage(hourly_file.filename().string(), qv_hourly_csv(study));
+    hourly_folder->commit();
+  }
   folder.commit();
   qv_print(qv_study_summary(study) + "\nWritten to " + arguments.folder +
-           ": study.json, model.json, spaces.csv, walls.csv, openings.csv, thermal_bridges.csv\n");
+           ": study.json, model.json, spaces.csv, walls.csv, openings.csv, thermal_bridges.csv" +
+           (options.solar.wanted ? ", solar.csv\n" : "\n") +
+           (hourly_folder ? "Hours of every surface in " + arguments.hourly + '\n' : ""));
   return qv_exit_success;
 }
 
@@ -105,11 +130,18 @@ void qv_add_study_command(CLI::App& program, qv_command_action& action) {
                    "Catalogue of ψ values for the thermal bridges,\n"
                    "JSON or CSV; indicative values without")
       ->option_text("FILE");
+  qv_add_solar_options(*command, arguments->study.solar);
+  command->add_flag("--no-solar", arguments->no_solar, "Leave out the sun");
+  command
+      ->add_option("--hourly", arguments->hourly,
+                   "Every hour of every surface into this file (CSV)")
+      ->option_text("FILE");
   command->footer(
-      "Writes study.json, model.json, spaces.csv, walls.csv, openings.csv and\n"
-      "thermal_bridges.csv into DIR, all or none, and prints a summary.\n\n"
+      "Writes study.json, model.json, spaces.csv, walls.csv, openings.csv, thermal_bridges.csv\n"
+      "and solar.csv into DIR, all or none, and prints a summary.\n\n"
       "Examples:\n"
       "  qv study house.xml --out results\n"
+      "  qv study house.xml --out results --weather lyon.epw --quality fine\n"
       "  qv study campus.xml --out results --regroup --rename-spaces\n"
       "  qv study block.xml --out results --glazing-ratio 0.25 --glazing-ratio-south 0.4");
   command->callback([&action, arguments] {
@@ -117,6 +149,8 @@ void qv_add_study_command(CLI::App& program, qv_command_action& action) {
       throw CLI::ValidationError("--north is no angle");
     if (arguments->study.model.empty()) throw CLI::ValidationError("MODEL is an empty name");
     if (arguments->folder.empty()) throw CLI::ValidationError("--out is an empty name");
+    if (arguments->no_solar && !arguments->hourly.empty())
+      throw CLI::ValidationError("--hourly has nothing to write with --no-solar");
     action = [arguments] { return run_study(*arguments); };
   });
 }

@@ -8,18 +8,6 @@
 namespace qv {
 namespace {
 
-// A cell in quotes where RFC 4180 asks for them, and where spaces at its ends would be lost.
-std::string quoted(const std::string& text) {
-  const bool edge_space = !text.empty() && (text.front() == ' ' || text.back() == ' ');
-  if (!edge_space && text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string result = "\"";
-  for (const char letter : text) {
-    result += letter;
-    if (letter == '"') result += letter;
-  }
-  return result + '"';
-}
-
 std::string cell(const qv_report_value& value) {
   return std::visit(
       [](const auto& content) -> std::string {
@@ -33,7 +21,7 @@ std::string cell(const qv_report_value& value) {
         } else if constexpr (std::is_floating_point_v<content_type>) {
           return qv_number_text(content);
         } else if constexpr (std::is_same_v<content_type, std::string>) {
-          return quoted(qv_valid_utf8(content));
+          return qv_csv_text(qv_valid_utf8(content));
         } else {
           std::string list;
           for (const auto& element : content) {
@@ -44,7 +32,7 @@ std::string cell(const qv_report_value& value) {
               list += qv_valid_utf8(element);
             }
           }
-          return quoted(list);
+          return qv_csv_text(list);
         }
       },
       value);
@@ -70,6 +58,17 @@ std::string table(std::span<const qv_report_field<T>> fields, const std::vector<
 }
 
 }  // namespace
+
+std::string qv_csv_text(const std::string& text) {
+  const bool edge_space = !text.empty() && (text.front() == ' ' || text.back() == ' ');
+  if (!edge_space && text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string result = "\"";
+  for (const char letter : text) {
+    result += letter;
+    if (letter == '"') result += letter;
+  }
+  return result + '"';
+}
 
 std::string qv_spaces_csv(const qv_study_results& study) {
   return table(qv_space_fields(), study.spaces);

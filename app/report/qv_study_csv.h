@@ -14,4 +14,7 @@ std::string qv_walls_csv(const qv_study_results& study);
 std::string qv_openings_csv(const qv_study_results& study);
 std::string qv_thermal_bridges_csv(const qv_study_results& study);
 
+/// A cell: in quotes where RFC 4180 asks for them and where spaces at its ends would be lost.
+std::string qv_csv_text(const std::string& text);
+
 }  // namespace qv

@@ -2,6 +2,7 @@
 
 #include "app/report/qv_json_writer.h"
 #include "app/report/qv_report_fields.h"
+#include "app/report/qv_sun_report.h"
 
 namespace qv {
 namespace {
@@ -23,6 +24,23 @@ void write_records(qv_json_writer& json, const char* name,
   json.key(name);
   json.begin_array();
   for (const T& record : records) write_record(json, fields, record);
+  json.end_array();
+}
+
+// The same with "solar" as last member; `sun_of` gives that of a record's rank.
+template <class T, class source>
+void write_sunny_records(qv_json_writer& json, const char* name,
+                         std::span<const qv_report_field<T>> fields, const std::vector<T>& records,
+                         source&& sun_of) {
+  json.key(name);
+  json.begin_array();
+  for (std::size_t index = 0; index < records.size(); ++index) {
+    json.begin_object(one_line);
+    json.members(fields, records[index]);
+    json.key("solar");
+    qv_write_sun(json, sun_of(index));
+    json.end_object();
+  }
   json.end_array();
 }
 
@@ -133,9 +151,11 @@ std::string qv_study_json(const qv_study_results& study) {
   write_record(json, qv_totals_fields(), study);
   write_buildings(json, study.buildings);
   write_records(json, "spaces", qv_space_fields(), study.spaces);
-  write_records(json, "walls", qv_wall_fields(), study.walls);
+  write_sunny_records(json, "walls", qv_wall_fields(), study.walls,
+                      [&study](std::size_t index) { return study.sun.get_wall(index); });
   write_compositions(json, study.compositions);
-  write_records(json, "openings", qv_opening_fields(), study.openings);
+  write_sunny_records(json, "openings", qv_opening_fields(), study.openings,
+                      [&study](std::size_t index) { return study.sun.get_opening(index); });
   write_glazings(json, study.glazings);
   write_records(json, "facades", qv_facade_fields(), study.facades);
   write_generation(json, study.generation);
@@ -145,6 +165,7 @@ std::string qv_study_json(const qv_study_results& study) {
   write_records(json, "configuration_changes", qv_change_fields(), study.changes);
   write_ledger(json, study.ledger);
   write_records(json, "findings", qv_finding_fields(), study.findings);
+  qv_write_sun_totals(json, study.sun);
   json.end_object();
   return json.text();
 }

@@ -9,6 +9,7 @@
 #include "app/report/qv_heat_loss_summary.h"
 #include "app/report/qv_openings_summary.h"
 #include "app/report/qv_summary_text.h"
+#include "app/report/qv_sun_report.h"
 #include "app/report/qv_text_table.h"
 
 namespace qv {
@@ -306,6 +307,7 @@ std::string qv_study_summary(const qv_study_results& study) {
   if (!study.findings.empty()) text += "\n" + findings_part(study.findings);
   if (!study.notes.empty()) text += '\n';
   for (const std::string& note : study.notes) text += "  Note: " + note + '\n';
+  if (const std::string sun = qv_sun_summary(study.sun); !sun.empty()) text += "\n" + sun;
   return text;
 }
 

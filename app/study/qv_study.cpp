@@ -22,6 +22,7 @@ namespace qv {
 namespace {
 
 constexpr int step_count = 5;
+constexpr int solar_step_count = 6;
 
 bool is_grouped(const qv_gbxml_model& model, const qv_study_options& options) {
   return model.building_count == 0 || options.regroup;
@@ -132,6 +133,10 @@ qv_study_results qv_run_study(const qv_study_options& options, const qv_study_pr
   study.source = options.model;
   study.notes = notes_on(model, options);
   study.model_json = qv_model_text(model);
+  if (options.solar.wanted) {
+    if (progress) progress(solar_step_count, solar_step_count, "tracing the sun");
+    qv_compute_sun(model, options.solar, options.solar_progress, study);
+  }
   return study;
 }
 

@@ -7,6 +7,7 @@
 #include "app/study/qv_generated_openings.h"
 #include "app/study/qv_study_gather.h"
 #include "app/study/qv_study_results.h"
+#include "app/study/qv_study_sun.h"
 
 namespace qv {
 
@@ -29,13 +30,17 @@ struct qv_study_options {
   /// messages; none without a name.
   std::string configuration_name = {};
   std::string configuration = {};
+  /// The sun on walls and openings; not computed unless asked for.
+  qv_solar_options solar = {};
+  qv_solar_progress solar_progress = {};
 };
 
 /// Told at the beginning of each step: its rank from 1, how many there are, and what it does
 /// ("reading the model").
 using qv_study_progress = std::function<void(int step, int count, const char* what)>;
 
-/// Reads a model, computes it and gathers the results. Throws `qv_input_error`.
+/// Reads a model, computes it and gathers the results. Throws `qv_input_error`, and
+/// `qv_interrupted` when `solar_progress` says so.
 qv_study_results qv_run_study(const qv_study_options& options,
                               const qv_study_progress& progress = {});
 

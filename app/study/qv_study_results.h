@@ -7,6 +7,7 @@
 
 #include "app/check/qv_finding.h"
 #include "app/study/qv_heat_loss.h"
+#include "app/study/qv_study_sun.h"
 
 namespace qv {
 
@@ -273,6 +274,7 @@ struct qv_study_results {
   std::vector<qv_study_change> changes;  // by a configuration
   qv_heat_loss heat_loss;
   std::string psi_catalogue;  // where the ψ values come from
+  qv_study_sun sun;
   qv_study_ledger ledger;
   std::vector<qv_finding> findings;  // of the check of the model
   int closed_space_count = 0;        // spaces whose surfaces leave no gap

@@ -220,7 +220,7 @@ TEST(qv_study_command, writes_its_files_and_a_summary) {
   const auto run = qv_run({"study", sample, "--out", place.path()});
   EXPECT_EQ(run.exit_code, 0) << run.errors;
   EXPECT_THAT(run.output, HasSubstr("1 building, 3 storeys, 3 zones, 11 spaces"));
-  EXPECT_EQ(entry_count(place.path()), 6u);
+  EXPECT_EQ(entry_count(place.path()), 7u);
   const auto study = nlohmann::json::parse(qv_file_content(place.path() / "study.json"));
   EXPECT_EQ(study["source"], sample);
   const std::string model = qv_file_content(place.path() / "model.json");
@@ -254,8 +254,8 @@ TEST(qv_study_command, gives_the_same_files_each_time_and_from_any_folder) {
   const auto run = qv_run_shell("cd '" + place.path().string() + "' && cp '" + sample +
                                 "' house.xml && \"$QV\" study house.xml --out second");
   ASSERT_EQ(run.exit_code, 0) << run.errors;
-  for (const char* name :
-       {"model.json", "spaces.csv", "walls.csv", "openings.csv", "thermal_bridges.csv"}) {
+  for (const char* name : {"model.json", "spaces.csv", "walls.csv", "openings.csv",
+                           "thermal_bridges.csv", "solar.csv"}) {
     EXPECT_EQ(qv_file_content(place.path() / "first" / name),
               qv_file_content(place.path() / "second" / name))
         << name;
@@ -269,7 +269,7 @@ TEST(qv_study_command, gives_the_same_files_each_time_and_from_any_folder) {
 
 TEST(qv_study_command, names_the_figures_of_openings_and_glazings_as_its_guide_does) {
   const qv_temporary_folder place;
-  ASSERT_EQ(qv_run({"study", sample, "--out", place.path()}).exit_code, 0);
+  ASSERT_EQ(qv_run({"study", sample, "--out", place.path(), "--no-solar"}).exit_code, 0);
   const auto study = nlohmann::ordered_json::parse(qv_file_content(place.path() / "study.json"));
   const auto keys = [](const nlohmann::ordered_json& record) {
     std::string text;
@@ -278,7 +278,7 @@ TEST(qv_study_command, names_the_figures_of_openings_and_glazings_as_its_guide_d
   };
   EXPECT_EQ(keys(study["openings"][0]),
             "id name wall opening_type composition glazing_area_m2 opaque_area_m2 frame_area_m2 "
-            "full_area_m2 u solar_factor visible_transmittance html ");
+            "full_area_m2 u solar_factor visible_transmittance html solar ");
   EXPECT_EQ(keys(study["glazings"][0]),
             "name u_vertical u_horizontal u_inclined solar_factor visible_transmittance "
             "thickness_m layers ");
@@ -298,8 +298,9 @@ TEST(qv_study_command, names_the_figures_of_openings_and_glazings_as_its_guide_d
 
 TEST(qv_study_command, generates_openings_by_orientation) {
   const qv_temporary_folder place;
-  const auto run = qv_run({"study", sample, "--out", place.path(), "--glazing-ratio", "0.2",
-                           "--glazing-ratio-north", "0", "--glazing-ratio-east", "0.35"});
+  const auto run =
+      qv_run({"study", sample, "--out", place.path(), "--glazing-ratio", "0.2",
+              "--glazing-ratio-north", "0", "--glazing-ratio-east", "0.35", "--no-solar"});
   ASSERT_EQ(run.exit_code, 0) << run.errors;
   const auto study = nlohmann::json::parse(qv_file_content(place.path() / "study.json"));
   // Of 24 outer walls eight look north; of the others six have openings. The office's east wall of
@@ -329,7 +330,8 @@ TEST(qv_study_command, refuses_a_glazing_ratio_that_is_no_share) {
 
 TEST(qv_study_command, groups_and_renames_when_asked) {
   const qv_temporary_folder place;
-  const auto run = qv_run({"study", sample, "--out", place.path(), "--regroup", "--rename-spaces"});
+  const auto run = qv_run(
+      {"study", sample, "--out", place.path(), "--regroup", "--rename-spaces", "--no-solar"});
   ASSERT_EQ(run.exit_code, 0) << run.errors;
   const auto study = nlohmann::json::parse(qv_file_content(place.path() / "study.json"));
   ASSERT_EQ(study["buildings"].size(), 1u);
@@ -344,7 +346,8 @@ TEST(qv_study_command, groups_and_renames_when_asked) {
 
 TEST(qv_study_command, says_that_names_stay_where_the_file_has_buildings) {
   const qv_temporary_folder place;
-  const auto run = qv_run({"study", sample, "--out", place.path(), "--rename-spaces"});
+  const auto run =
+      qv_run({"study", sample, "--out", place.path(), "--rename-spaces", "--no-solar"});
   ASSERT_EQ(run.exit_code, 0) << run.errors;
   EXPECT_THAT(run.output, HasSubstr("spaces keep their names"));
   EXPECT_THAT(run.output, HasSubstr("Salon"));

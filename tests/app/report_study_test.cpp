@@ -87,10 +87,27 @@ qv::qv_study_results small_study() {
 TEST(qv_study_json, has_its_keys_in_their_order) {
   const auto study = nlohmann::ordered_json::parse(qv::qv_study_json(small_study()));
   using names = std::vector<std::string>;
-  EXPECT_EQ(keys_of(study), (names{"format", "version", "source", "location", "totals", "buildings",
-                                   "spaces", "walls", "compositions", "openings", "glazings",
-                                   "facades", "generated_openings", "thermal_bridges", "heat_loss",
-                                   "usages", "configuration_changes", "ledger", "findings"}));
+  EXPECT_EQ(keys_of(study), (names{"format",
+                                   "version",
+                                   "source",
+                                   "location",
+                                   "totals",
+                                   "buildings",
+                                   "spaces",
+                                   "walls",
+                                   "compositions",
+                                   "openings",
+                                   "glazings",
+                                   "facades",
+                                   "generated_openings",
+                                   "thermal_bridges",
+                                   "heat_loss",
+                                   "usages",
+                                   "configuration_changes",
+                                   "ledger",
+                                   "findings",
+                                   "weather",
+                                   "solar_by_orientation"}));
   EXPECT_EQ(keys_of(study["totals"]), (names{"spaces", "area_m2", "volume_m3", "loss_area_m2",
                                              "walls", "openings", "loss_opening_area_m2"}));
   EXPECT_EQ(keys_of(study["buildings"][0]),
@@ -102,7 +119,7 @@ TEST(qv_study_json, has_its_keys_in_their_order) {
   EXPECT_EQ(keys_of(study["walls"][0]),
             (names{"id", "name", "wall_type", "contact_type", "space_0", "space_1", "area_m2",
                    "azimuth_deg", "tilt_deg", "u", "composition", "limit_condition", "boundary",
-                   "u_with_surfaces"}));
+                   "u_with_surfaces", "solar"}));
   EXPECT_EQ(keys_of(study["thermal_bridges"][0]),
             (names{"id", "type", "length_m", "psi", "loss_w_per_k", "walls", "point_0", "point_1",
                    "insulation"}));
@@ -117,7 +134,7 @@ TEST(qv_study_json, has_its_keys_in_their_order) {
   EXPECT_EQ(keys_of(study["openings"][0]),
             (names{"id", "name", "wall", "opening_type", "composition", "glazing_area_m2",
                    "opaque_area_m2", "frame_area_m2", "full_area_m2", "u", "solar_factor",
-                   "visible_transmittance", "html"}));
+                   "visible_transmittance", "html", "solar"}));
   EXPECT_EQ(keys_of(study["glazings"][0]),
             (names{"name", "u_vertical", "u_horizontal", "u_inclined", "solar_factor",
                    "visible_transmittance", "thickness_m", "layers"}));
