@@ -21,7 +21,9 @@ struct edit {
 // From the "<" of the element to the ">" of its end tag.
 edit stretch_of(qv_xml_element element, std::string_view text) {
   const std::size_t name = element.get_offset();
-  const std::string end_tag = "</" + std::string(element.get_full_name());
+  // The name as written, with its prefix.
+  const std::size_t name_end = text.find_first_of(" \t\r\n/>", name);
+  const std::string end_tag = "</" + std::string(text.substr(name, name_end - name));
   const std::size_t end = text.find('>', text.find(end_tag, name));
   return {name - 1, end == std::string_view::npos ? name - 1 : end + 1, {}};
 }
