@@ -36,7 +36,11 @@ int run_export(const export_arguments& arguments) {
     };
     announce(1, 4, "reading the model");
     const qv_gbxml_model model = qv_read_gbxml(arguments.model);
-    qv_compute_model(model, {}, announce);
+    // Geometry keeps the axes of its file, which says how they lie to north; the text of the model
+    // is that of a study.
+    qv_study_options options;
+    if (arguments.format != "json") options.north = 0.0;
+    qv_compute_model(model, options, announce);
     announce(4, 4, "writing the model");
     folder.stage(file.filename().string(), export_text(arguments.format, model));
   }

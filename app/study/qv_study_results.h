@@ -54,7 +54,7 @@ struct qv_study_space {
   std::string html;  // information panel
   /// Share of the rays from the space's surfaces that escape through holes; absent when it does not
   /// leak. Area and volume of a leaking space are not to be relied on.
-  std::optional<double> leaking_share;
+  std::optional<double> leaking_share = std::nullopt;
 };
 
 struct qv_study_wall {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <nlohmann/json.hpp>
 
 #include "app/study/qv_study.h"
 #include "bim/qv_load_bim_items.h"
@@ -63,8 +64,17 @@ TEST(qv_study_command, takes_north_from_the_command_line) {
   const std::string sample = QV_SOURCE_DIR "/samples/house.xml";
   const qv_temporary_folder place;
   ASSERT_EQ(qv_run({"study", sample, "--out", place.path(), "--north", "90"}).exit_code, 0);
-  const std::string study = qv_file_content(place.path() / "study.json");
-  EXPECT_NE(study.find("\"azimuth_deg\":90,"), std::string::npos);
+  const auto study = nlohmann::json::parse(qv_file_content(place.path() / "study.json"));
+  EXPECT_EQ(study["location"]["azimuth_deg"], 90);
+  const qv::qv_study_results straight = qv::qv_run_study({.model = sample, .north = 0.0});
+  ASSERT_EQ(study["walls"].size(), straight.walls.size());
+  for (std::size_t i = 0; i < straight.walls.size(); ++i) {
+    const auto& azimuth = study["walls"][i]["azimuth_deg"];
+    ASSERT_EQ(azimuth.is_null(), !straight.walls[i].azimuth.has_value());
+    if (azimuth.is_null()) continue;
+    const double turn = azimuth.get<double>() - *straight.walls[i].azimuth - 90;
+    EXPECT_NEAR(std::remainder(turn, 360.0), 0, 1e-3) << straight.walls[i].id;
+  }
   EXPECT_EQ(qv_run({"study", sample, "--out", place.path(), "--north", "up"}).exit_code, 2);
   EXPECT_EQ(qv_run({"study", sample, "--out", place.path(), "--north", "nan"}).exit_code, 2);
 }

@@ -197,7 +197,10 @@ TEST(qv_study_sun, tells_the_hours_of_one_surface_in_parts) {
   }
   // The hours of a surface add up to its year.
   for (std::size_t i = 0; i < study.walls.size(); ++i) {
-    if (const auto* sun = study.sun.get_wall(i)) EXPECT_NEAR(sum, sun->total, 0.01);
+    const auto* sun = study.sun.get_wall(i);
+    if (sun != nullptr) {
+      EXPECT_NEAR(sum, sun->total, 0.01);
+    }
   }
   EXPECT_EQ(qv::qv_surface_hours(study, "nobody"), "");
 }
@@ -214,7 +217,9 @@ TEST(qv_program, writes_the_sun_of_a_study_and_prints_that_of_a_surface) {
   EXPECT_EQ(line_count(qv_file_content(hours)), 289u);
   const auto json = nlohmann::json::parse(qv_file_content(out + "/study.json"));
   for (const auto& wall : json["walls"])
-    if (!wall["solar"].is_null()) EXPECT_EQ(wall["solar"]["reflected_kwh_m2"], 0);
+    if (!wall["solar"].is_null()) {
+      EXPECT_EQ(wall["solar"]["reflected_kwh_m2"], 0);
+    }
 
   const auto none = qv_run({"study", sample, "--out", out + "2", "--no-solar"});
   EXPECT_EQ(none.exit_code, 0) << none.errors;
