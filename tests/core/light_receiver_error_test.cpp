@@ -129,11 +129,11 @@ TEST(qv_receiver, knows_its_error_of_the_reflected_sun) {
 
 TEST(qv_receiver, knows_its_error_of_a_year) {
   yard place(year_of_suns(60));
-  const auto readings =
-      read_seeds(place.scene, place.polygon, {.direct_rays = 16, .montecarlo_rays = 256, .ray_depth = 1},
-                 [](const qv_receiver& receiver) {
-                   return reading{total(receiver), receiver.get_sum_sigma()};
-                 });
+  const auto readings = read_seeds(place.scene, place.polygon,
+                                   {.direct_rays = 16, .montecarlo_rays = 256, .ray_depth = 1},
+                                   [](const qv_receiver& receiver) {
+                                     return reading{total(receiver), receiver.get_sum_sigma()};
+                                   });
   test_receiver dense(place.scene, place.polygon,
                       {.direct_rays = 200000, .montecarlo_rays = 50000, .ray_depth = 1});
   dense.compute(-1);
