@@ -5,7 +5,7 @@
 #include <numeric>
 #include <optional>
 
-#include "app/readers/qv_double3.h"
+#include "core/shapes/qv_double3.h"
 
 namespace {
 

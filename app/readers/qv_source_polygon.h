@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "app/readers/qv_double3.h"
+#include "core/shapes/qv_double3.h"
 
 namespace qv {
 

@@ -82,7 +82,7 @@ void qv_fill_sun(const qv_weather& weather, double model_azimuth, qvi_sun& sun) 
 
 qv_weather qv_make_clear_sky_year(double latitude, double longitude, double elevation) {
   qv_weather weather;
-  weather.source = "clear sky";
+  weather.source = qv_clear_sky_source;
   weather.latitude = latitude;
   weather.longitude = longitude;
   weather.elevation = elevation;

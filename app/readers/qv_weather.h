@@ -23,9 +23,12 @@ struct qv_weather_step {
   float diffuse = 0;
 };
 
+/// Where the weather comes from when no file says it.
+inline constexpr const char* qv_clear_sky_source = "clear sky";
+
 /// Weather over a period, of which a study of the sun needs only this.
 struct qv_weather {
-  /// Where it comes from: a file's name, or "clear sky".
+  /// Where it comes from: a file's name, or `qv_clear_sky_source`.
   std::string source;
   std::string place;
   double latitude = 0;   // degrees, north positive

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "app/readers/qv_weather.h"
 #include "app/report/qv_study_csv.h"
 #include "app/report/qv_text_table.h"
 #include "app/report/qv_utf8.h"
@@ -52,6 +53,12 @@ std::string time_text(const qv_sun_time& time) {
 
 std::string hour_text(float watts) {
   return qv_number_text(static_cast<float>(std::round(watts * 100) / 100));
+}
+
+std::string name_weather(const qv_study_sun& sun) {
+  if (sun.weather == qv_clear_sky_source)
+    return "a clear sky all year, an upper bound; --weather FILE.epw takes that of a place.";
+  return sun.place.empty() ? sun.weather : sun.weather + " (" + sun.place + ")";
 }
 
 }  // namespace
@@ -173,9 +180,7 @@ std::string qv_sun_summary(const qv_study_sun& sun) {
                    fmt::format("{:.2f}", group.area), fmt::format("{:.0f}", group.total),
                    group.area > 0 ? fmt::format("{:.0f}", group.total / group.area) : "–"});
   }
-  return table.text() +
-         "Weather: " + (sun.place.empty() ? sun.weather : sun.weather + " (" + sun.place + ")") +
-         '\n';
+  return table.text() + "  Weather: " + name_weather(sun) + '\n';
 }
 
 }  // namespace qv

@@ -62,7 +62,7 @@ struct qv_sun_time {
 };
 
 struct qv_study_sun {
-  /// The file, or "clear sky"; empty when nothing was computed.
+  /// The file, or `qv_clear_sky_source`; empty when nothing was computed.
   std::string weather;
   std::string place;
   double latitude = 0;

@@ -7,7 +7,8 @@
 
 namespace qv {
 
-/// A point or direction in double precision, for the inside of algorithms.
+/// A point or direction in double precision, for the inside of algorithms and for readers until
+/// they fill items.
 struct qv_double3 {
   double x = 0;
   double y = 0;
@@ -27,16 +28,23 @@ struct qv_double3 {
   friend constexpr qv_double3 operator*(const qv_double3& a, double s) {
     return {a.x * s, a.y * s, a.z * s};
   }
+  friend constexpr bool operator==(const qv_double3&, const qv_double3&) = default;
+
+  constexpr double dot(const qv_double3& v) const { return x * v.x + y * v.y + z * v.z; }
+  constexpr qv_double3 cross(const qv_double3& v) const {
+    return {y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x};
+  }
+  double length() const { return std::sqrt(dot(*this)); }
 };
 
 constexpr double dot(const qv_double3& a, const qv_double3& b) {
-  return a.x * b.x + a.y * b.y + a.z * b.z;
+  return a.dot(b);
 }
 constexpr qv_double3 cross(const qv_double3& a, const qv_double3& b) {
-  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+  return a.cross(b);
 }
 inline double length(const qv_double3& a) {
-  return std::sqrt(dot(a, a));
+  return a.length();
 }
 /// Zero stays zero.
 inline qv_double3 normalized(const qv_double3& a) {
