@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "app/readers/qv_weather.h"
@@ -22,8 +23,8 @@ float rounded(double value) {
 }
 
 std::vector<float> rounded_months(const std::array<double, 12>& months) {
-  std::vector<float> list;
-  for (double month : months) list.push_back(rounded(month));
+  std::vector<float> list(months.size());
+  std::transform(months.begin(), months.end(), list.begin(), rounded);
   return list;
 }
 

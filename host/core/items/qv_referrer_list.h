@@ -46,13 +46,15 @@ class qv_referrer_list {
     std::uint32_t count;
     std::uint32_t capacity;
   };
+  // Of a parameter's address.
+  static constexpr std::size_t pointer_size = sizeof(void*);
 
   qv_param** params() { return reinterpret_cast<qv_param**>(block_ + 1); }
   void grow() {
     const std::uint32_t count = block_ == nullptr ? 0 : block_->count;
     const std::uint32_t capacity = count < 4 ? count + 2 : count + count / 2;
     auto* const grown =
-        static_cast<header*>(::operator new(sizeof(header) + capacity * sizeof(qv_param*)));
+        static_cast<header*>(::operator new(sizeof(header) + capacity * pointer_size));
     *grown = {count, capacity};
     std::copy_n(begin(), count, reinterpret_cast<qv_param**>(grown + 1));
     ::operator delete(block_);
