@@ -337,7 +337,7 @@ qv_list<Element*> elements_of(qv_scene& scene, const char* type) {
 
 template <class Element>
 std::string id_of(const Element& element) {
-  const qv_list<std::string> ids = element.get_source_ids();
+  const qv_list<std::string>& ids = element.get_source_ids();
   return ids.is_empty() ? element.get_name() : ids[0];
 }
 

@@ -224,6 +224,7 @@ std::vector<qv_loss_surface> loss_walls(const std::vector<qv_study_wall>& walls)
 
 std::vector<qv_loss_bridge> loss_bridges(const std::vector<qv_study_thermal_bridge>& bridges) {
   std::vector<qv_loss_bridge> result;
+  result.reserve(bridges.size());
   for (const auto& bridge : bridges) result.push_back({bridge.type, bridge.length, bridge.psi});
   return result;
 }
