@@ -101,7 +101,8 @@ class windows_model {
     }
     auto* const frame = qv_test::add_new<qvi_opening_shader>(*scene_);
     for (int i = 0; i < count; ++i) {
-      const float x = static_cast<float>(i % 200) * 5, y = static_cast<float>(i / 200) * 10;
+      const int column = i % 200, row = i / 200;
+      const float x = static_cast<float>(column) * 5, y = static_cast<float>(row) * 10;
       qvi_wall* const wall =
           qv_test::add_wall(*scene_, qvi_wall::wall_type::wall, nullptr, nullptr,
                             qv_test::rectangle({x, y, 0}, {x + 4, y, 0}, {x, y, 2.5f}));

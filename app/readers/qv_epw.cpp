@@ -219,7 +219,8 @@ class epw_reader {
     warn(dark, " steps by daylight have no irradiation in the file and count as dark");
     warn(too_bright_, " steps have more irradiation than the sun can give");
     warn(surplus_records_, " rows are more than their hour has room for");
-    const std::size_t expected = static_cast<std::size_t>(hours_of_year * records_per_hour_);
+    const auto expected =
+        static_cast<std::size_t>(hours_of_year) * static_cast<std::size_t>(records_per_hour_);
     const std::size_t count = weather_.steps.size();
     if (several_years_ ? count < expected : whole_year_ && count < expected) {
       weather_.warnings.push_back("the file ends after " + std::to_string(count) +

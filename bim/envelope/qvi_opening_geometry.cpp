@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "bim/envelope/qvi_opening.h"
@@ -63,7 +62,7 @@ class piece_union {
         pieces_[i + step].clear();
       }
     }
-    return pieces_.empty() ? plane_ : std::move(pieces_.front());
+    return pieces_.empty() ? plane_ : pieces_.front();
   }
 
  private:
