@@ -30,7 +30,7 @@ class check_command : public testing::Test {
       const std::size_t at = content.find("<Surface id=\"room-north\"");
       content.erase(at, content.find("</Surface>\n", at) + 11 - at);
     }
-    const std::string path = place_.path() / "room.xml";
+    std::string path = place_.path() / "room.xml";
     std::ofstream(path, std::ios::binary) << content;
     return path;
   }

@@ -254,6 +254,7 @@ TEST(qv_find_junctions, does_not_depend_on_the_order_of_the_walls) {
     std::iota(order.begin(), order.end(), 0);
     std::shuffle(order.begin(), order.end(), random);
     std::vector<qv_wall_outline> shuffled;
+    shuffled.reserve(order.size());
     for (const int i : order) shuffled.push_back(walls[static_cast<std::size_t>(i)]);
     const auto junctions = qv_find_junctions(shuffled);
     ASSERT_EQ(junctions.size(), expected.size());
