@@ -54,7 +54,8 @@ class paired_points {
   qv_3dvector get_next() {
     const std::uint64_t bits = random_.dice();
     const double within = to_unit(static_cast<std::uint32_t>(bits >> 32));
-    const double position = shift_ + (index_++ / 2 + within) * stratum_;
+    const auto stratum = static_cast<double>(index_++ >> 1);  // two points in each
+    const double position = shift_ + (stratum + within) * stratum_;
     return surface_.get_point(position < 1 ? position : position - 1,
                               to_unit(static_cast<std::uint32_t>(bits)), fineness_);
   }

@@ -62,8 +62,9 @@ constexpr byte_table make_byte_table() {
       const int rest = value & (value - 1);
       for (int d = 0; d < dimension_count; ++d) {
         table.bits[byte][value][d] =
-            table.bits[byte][rest][d] ^ reverse_bits(directions[static_cast<std::size_t>(
-                                            d)][static_cast<std::size_t>(8 * byte + lowest)]);
+            table.bits[byte][rest][d] ^
+            reverse_bits(directions[static_cast<std::size_t>(
+                d)][static_cast<std::size_t>(8 * byte) + static_cast<std::size_t>(lowest)]);
       }
     }
   }
