@@ -64,7 +64,7 @@ constexpr byte_table make_byte_table() {
         table.bits[byte][value][d] =
             table.bits[byte][rest][d] ^
             reverse_bits(directions[static_cast<std::size_t>(
-                d)][static_cast<std::size_t>(8 * byte) + static_cast<std::size_t>(lowest)]);
+                d)][8 * static_cast<std::size_t>(byte) + static_cast<std::size_t>(lowest)]);
       }
     }
   }
