@@ -9,7 +9,7 @@ namespace {
 constexpr double sliver_width = 0.01;  // m: twice the area over the perimeter
 
 double perimeter_of(const qvi_polygon& face) {
-  const qv_list<qv_3dvector> vertices = face.get_vertices();
+  const qv_list<qv_3dvector>& vertices = face.get_vertices();
   double length = 0;
   int first = 0;
   for (const unsigned int size : face.get_contour_sizes()) {
