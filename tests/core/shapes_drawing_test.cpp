@@ -177,6 +177,220 @@ TEST_F(shapes_drawing, draws_an_instance_in_its_place_with_the_right_side_outwar
   }
 }
 
+TEST_F(shapes_drawing, shows_a_side_without_a_shader_in_grey_beside_one_with) {
+  for (bool of_front : {true, false}) {
+    frame->set_front_shader(of_front ? front.get() : nullptr);
+    frame->set_back_shader(of_front ? nullptr : front.get());
+    gl_recorder gl;
+    frame->render_opengl(false);
+    ASSERT_EQ(gl.primitives.size(), 2u);
+    EXPECT_EQ(gl.primitives[of_front ? 0 : 1].color, red);
+    EXPECT_EQ(gl.primitives[of_front ? 1 : 0].color, qvi_shader::get_default_color());
+  }
+}
+
+TEST_F(shapes_drawing, blends_only_the_side_that_one_sees_through) {
+  frame->set_front_shader(back.get());
+  frame->set_back_shader(front.get());
+  const std::string triangles = "triangles " + std::to_string(3 * frame->get_nb_triangles());
+  gl_recorder gl;
+  frame->render_opengl(false);
+  EXPECT_EQ(gl.calls, (texts{"enable cull_face", "enable blend", "color 0 0 1 0.5", triangles,
+                             "disable blend", "color 1 0 0 1", triangles, "disable cull_face"}));
+}
+
+TEST_F(shapes_drawing, draws_bare_surfaces_and_contours_in_the_current_state) {
+  const auto solid = make_item<qvi_solid>();
+  qv_solid block;
+  block.extrusion(frame_region, {0, 0, 1});
+  solid->load_from_solid(&block);
+  const auto instance = make_item<qvi_mesh_instance>();
+  instance->set_mesh(cube.get());
+  for (qvi_mesh* mesh :
+       {cube.get(), static_cast<qvi_mesh*>(frame.get()), static_cast<qvi_mesh*>(solid.get()),
+        static_cast<qvi_mesh*>(instance.get())}) {
+    mesh->set_front_shader(front.get());
+    mesh->set_rendering_visibility(false);  // concerns the shaded drawing only
+    gl_recorder gl;
+    mesh->render_opengl_raw();
+    mesh->render_opengl_contour_raw();
+    EXPECT_EQ(gl.calls.size(), gl.primitives.size());
+    EXPECT_FALSE(gl.get_surfaces().empty());
+    EXPECT_FALSE(gl.get_contours().empty());
+  }
+}
+
+// True when `point` lies in a triangle of the surface, seen along z.
+bool covers(const gl_primitive& surface, float x, float y) {
+  const qv_3dvector point(x, y, 0);
+  for (std::size_t i = 0; i + 2 < surface.vertices.size(); i += 3) {
+    int left = 0, right = 0;
+    for (std::size_t k = 0; k < 3; ++k) {
+      const qv_3dvector& from = surface.vertices[i + k];
+      const qv_3dvector& to = surface.vertices[i + (k + 1) % 3];
+      (((to - from).cross(point - from).z > 0) ? left : right) += 1;
+    }
+    if (left == 0 || right == 0) return true;
+  }
+  return false;
+}
+
+TEST_F(shapes_drawing, fills_what_a_polygon_encloses_and_leaves_its_holes_open) {
+  // An L of two metres' width with a hole in each arm, and an island apart with a court in it.
+  qv_polygon region({0, 0, 0}, {0, 0, 1});
+  region.add_contour({{0, 0, 0}, {10, 0, 0}, {10, 2, 0}, {2, 2, 0}, {2, 8, 0}, {0, 8, 0}});
+  region.add_contour({{5, 0.5f, 0}, {5, 1.5f, 0}, {7, 1.5f, 0}, {7, 0.5f, 0}});
+  region.add_contour({{0.5f, 4, 0}, {0.5f, 6, 0}, {1.5f, 6, 0}, {1.5f, 4, 0}});
+  region.add_contour({{5, 5, 0}, {8, 5, 0}, {8, 8, 0}, {5, 8, 0}});
+  region.add_contour({{6, 6, 0}, {6, 7, 0}, {7, 7, 0}, {7, 6, 0}});
+  frame->load_from_polygon(&region);
+  gl_recorder gl;
+  frame->render_opengl(false);
+  ASSERT_EQ(gl.primitives.size(), 2u);
+  for (const gl_primitive& side : gl.primitives) {
+    // 20 + 12 of the L less twice 2, 9 − 1 of the island.
+    EXPECT_NEAR(get_area(side), 36, 1e-4);
+    for (const auto& [x, y] : {std::pair(6.0f, 1.0f), {1.0f, 5.0f}, {6.5f, 6.5f}, {4.0f, 4.0f}})
+      EXPECT_FALSE(covers(side, x, y)) << x << ' ' << y;
+    for (const auto& [x, y] : {std::pair(9.1f, 1.1f), {1.1f, 1.2f}, {1.1f, 7.3f}, {5.3f, 7.4f}})
+      EXPECT_TRUE(covers(side, x, y)) << x << ' ' << y;
+  }
+  EXPECT_TRUE(shows_side(gl.primitives[0], {0, 0, -1}, false));
+  EXPECT_TRUE(shows_side(gl.primitives[1], {0, 0, -1}, true));
+  gl.primitives.clear();
+  frame->render_opengl_contour_raw();
+  std::vector<std::size_t> corners;
+  for (const gl_primitive& contour : gl.primitives) corners.push_back(contour.vertices.size());
+  EXPECT_EQ(corners, (std::vector<std::size_t>{6, 4, 4, 4, 4}));
+}
+
+TEST_F(shapes_drawing, fills_the_faces_of_a_solid_with_their_holes) {
+  qv_solid pipe;
+  pipe.extrusion(frame_region, {0, 0, 3});
+  const auto solid = make_item<qvi_solid>();
+  solid->load_from_solid(&pipe);
+  solid->set_front_shader(front.get());
+  gl_recorder gl;
+  solid->render_opengl(false);
+  ASSERT_EQ(gl.primitives.size(), 2u);
+  EXPECT_EQ(gl.primitives[0].color, red);
+  // Twice 14 of the frame, and 3 m over its outer and inner length, 18 and 10.
+  for (const gl_primitive& side : gl.primitives) EXPECT_NEAR(get_area(side), 2 * 14 + 3 * 28, 1e-4);
+}
+
+TEST_F(shapes_drawing, highlights_an_instance_in_its_place) {
+  const auto inner = make_item<qvi_mesh_instance>();
+  inner->set_mesh(frame.get());
+  inner->set_matrix(qv_matrix::rotation(2, 90));
+  const auto outer = make_item<qvi_mesh_instance>();
+  outer->set_mesh(inner.get());
+  outer->set_matrix(qv_matrix::translation({0, 0, 7}));
+  outer->set_selected(true);
+  gl_recorder gl;
+  outer->render_opengl(true);
+  ASSERT_EQ(gl.primitives.size(), 3u);
+  EXPECT_EQ(gl.primitives[0].vertices.size(), 4u);
+  EXPECT_EQ(gl.primitives[0].color, qv_color(1, 0, 0, 0.5f));
+  EXPECT_EQ(gl.primitives[2].color, qv_color(1, 0, 0, 0.2f));
+  EXPECT_NEAR(get_area(gl.primitives[2]), 14, 1e-4);
+  for (const gl_primitive& primitive : gl.primitives) {
+    for (const qv_3dvector& vertex : primitive.vertices) {
+      // 5 m along x and 4 along y, turned a quarter about z, then lifted.
+      EXPECT_GE(vertex.x, -4.0001f);
+      EXPECT_LE(vertex.x, 0.0001f);
+      EXPECT_EQ(vertex.z, 7);
+    }
+  }
+  EXPECT_EQ(gl.get_matrix_depth(), 0);
+  EXPECT_TRUE(gl.lighting);
+  EXPECT_TRUE(gl.depth_test);
+}
+
+TEST_F(shapes_drawing, shows_an_instance_in_its_own_shaders_before_those_of_its_mesh) {
+  cube->set_front_shader(front.get());
+  cube->set_back_shader(front.get());
+  const auto instance = make_item<qvi_mesh_instance>();
+  instance->set_mesh(cube.get());
+  instance->set_back_shader(back.get());
+  gl_recorder gl;
+  instance->render_opengl(false);
+  ASSERT_EQ(gl.primitives.size(), 2u);
+  EXPECT_EQ(gl.primitives[0].color, red);
+  EXPECT_EQ(gl.primitives[1].color, blue_glass);
+}
+
+TEST_F(shapes_drawing, draws_nothing_of_what_is_empty) {
+  const auto instance = make_item<qvi_mesh_instance>();
+  const auto of_empty_mesh = make_item<qvi_mesh_instance>();
+  const auto empty_mesh = make_item<qvi_mesh>();
+  const auto empty_polygon = make_item<qvi_polygon>();
+  const auto empty_solid = make_item<qvi_solid>();
+  of_empty_mesh->set_mesh(empty_mesh.get());
+  for (qvi_mesh* mesh :
+       {empty_mesh.get(), static_cast<qvi_mesh*>(empty_polygon.get()),
+        static_cast<qvi_mesh*>(empty_solid.get()), static_cast<qvi_mesh*>(instance.get()),
+        static_cast<qvi_mesh*>(of_empty_mesh.get())}) {
+    mesh->set_selected(true);
+    gl_recorder gl;
+    mesh->render_opengl(false);
+    mesh->render_opengl(true);
+    mesh->render_opengl_raw();
+    mesh->render_opengl_contour_raw();
+    for (const gl_primitive& primitive : gl.primitives) EXPECT_TRUE(primitive.vertices.empty());
+    EXPECT_TRUE(gl.lighting);
+    EXPECT_TRUE(gl.depth_test);
+    EXPECT_EQ(gl.get_matrix_depth(), 0);
+  }
+}
+
+TEST_F(shapes_drawing, draws_nothing_of_an_instance_that_is_nowhere) {
+  const auto inner = make_item<qvi_mesh_instance>();
+  inner->set_mesh(cube.get());
+  const auto outer = make_item<qvi_mesh_instance>();
+  outer->set_mesh(inner.get());
+  outer->set_selected(true);
+  for (const float odd :
+       {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()}) {
+    for (qvi_mesh_instance* placed : {inner.get(), outer.get()}) {
+      placed->set_matrix(qv_matrix::translation({odd, 0, 0}));
+      gl_recorder gl;
+      outer->render_opengl(false);
+      outer->render_opengl(true);
+      outer->render_opengl_contour_raw();
+      EXPECT_TRUE(gl.primitives.empty());
+      EXPECT_EQ(gl.get_matrix_depth(), 0);
+      placed->set_matrix(qv_matrix());
+    }
+  }
+}
+
+// Flat across x: its sides still cover area, its ends do not.
+TEST_F(shapes_drawing, draws_a_flattened_instance_as_flat_as_it_is) {
+  const auto instance = make_item<qvi_mesh_instance>();
+  instance->set_mesh(cube.get());
+  instance->set_matrix(qv_matrix::scaling({0, 1, 1}));
+  gl_recorder gl;
+  instance->render_opengl_raw();
+  ASSERT_EQ(gl.primitives.size(), 1u);
+  EXPECT_NEAR(get_area(gl.primitives[0]), 8, 1e-6);
+  for (const qv_3dvector& vertex : gl.primitives[0].vertices) EXPECT_EQ(vertex.x, 0);
+}
+
+TEST_F(shapes_drawing, draws_what_is_sound_of_a_surface_with_bad_points) {
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  cube->set_vertices({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {nan, 0, 0}});
+  cube->set_triangles({0, 1, 2, 0, 1, 3});
+  frame->set_vertices(
+      {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}, {5, 5, nan}, {6, 5, 0}, {6, 6, 0}});
+  frame->set_contour_sizes({4, 3});
+  gl_recorder gl;
+  cube->render_opengl_raw();
+  frame->render_opengl_raw();
+  ASSERT_EQ(gl.primitives.size(), 2u);
+  EXPECT_NEAR(get_area(gl.primitives[0]), 0.5, 1e-6);
+  EXPECT_NEAR(get_area(gl.primitives[1]), 4, 1e-6);
+}
+
 TEST_F(shapes_drawing, draws_nothing_for_what_is_no_surface) {
   constexpr float nan = std::numeric_limits<float>::quiet_NaN();
   cube->set_vertices({{0, 0, 0}, {1, 0, 0}, {nan, 0, 0}});

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "tests/support/qv_recording_gl.h"
@@ -214,6 +215,28 @@ TEST(qv_polygon_draw, draws_its_triangles_in_one_go) {
   for (std::size_t i = 0; i + 2 < vertices.size(); i += 3)
     area += (vertices[i + 1] - vertices[i]).cross(vertices[i + 2] - vertices[i]).z / 2;
   EXPECT_FLOAT_EQ(static_cast<float>(area), 15);
+}
+
+TEST(qv_polygon_draw, gives_its_normal_and_changes_no_state) {
+  qv_test::gl_recorder recorder;
+  qv_polygon facing_down({0, 0, 0}, {0, 0, -1});
+  facing_down.add_contour(make_rectangle(0, 0, 4, 4));
+  facing_down.draw_opengl();
+  EXPECT_EQ(recorder.calls, std::vector<std::string>{"triangles 6"});
+  for (const qv_3dvector& normal : recorder.primitives[0].normals)
+    EXPECT_EQ(normal, qv_3dvector(0, 0, -1));
+}
+
+TEST(qv_polygon_draw, draws_nothing_of_what_has_no_inside) {
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  qv_polygon on_edge({0, 0, 0}, {1, 0, 0});
+  on_edge.add_contour(make_rectangle(0, 0, 4, 4));
+  qv_test::gl_recorder recorder;
+  on_edge.draw_opengl();
+  make_polygon({{{0, 0, 0}, {4, 0, nan}, {4, 4, 0}}}).draw_opengl();
+  make_polygon({{{0, 0, 0}, {4, 0, 0}}}).draw_opengl();
+  make_polygon({{{0, 0, 0}, {1, 1, 0}, {2, 2, 0}}}).draw_opengl();
+  EXPECT_TRUE(recorder.primitives.empty());
 }
 
 TEST(qv_polygon_draw, draws_nothing_when_empty) {

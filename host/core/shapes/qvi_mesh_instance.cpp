@@ -1,6 +1,7 @@
 #include "core/shapes/qvi_mesh_instance.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 #include "core/shapes/contours.h"
@@ -8,6 +9,17 @@
 #include "core/shapes/triangles.h"
 
 namespace qv {
+
+namespace {
+
+bool is_finite(const qv_matrix& matrix) {
+  for (int row = 0; row < 4; ++row)
+    for (int column = 0; column < 4; ++column)
+      if (!std::isfinite(matrix.get(row, column))) return false;
+  return true;
+}
+
+}  // namespace
 
 QV_ITEM_CLASS_IMPLEMENTATION(qvi_mesh_instance)
 
@@ -127,7 +139,7 @@ qvi_shader* qvi_mesh_instance::get_side_shader(bool front) {
 
 void qvi_mesh_instance::draw_side(bool front) {
   const placement placed = get_placement();
-  if (placed.mesh == nullptr) return;
+  if (placed.mesh == nullptr || !is_finite(placed.matrix)) return;
   const placed_drawing in_place(placed.matrix);
   const bool shown_front = front != placed.reversed;
   draw_triangles(placed.mesh->get_triangle_vertices(), placed.mesh->get_triangle_indices(),
@@ -141,7 +153,7 @@ void qvi_mesh_instance::render_opengl_raw() {
 
 void qvi_mesh_instance::render_opengl_contour_raw() {
   const placement placed = get_placement();
-  if (placed.mesh == nullptr) return;
+  if (placed.mesh == nullptr || !is_finite(placed.matrix)) return;
   const placed_drawing in_place(placed.matrix);
   placed.mesh->render_opengl_contour_raw();
 }
