@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "bim/envelope/qvi_opening_composition.h"
 #include "bim/materials/qvi_glazing.h"
@@ -57,6 +58,53 @@ TEST_F(opening_view, shows_the_compositions_forced_values) {
             std::string::npos);
 }
 
+// Without any piece the areas are 0 and the values 0 / 0, whose sign is the processor's choice.
+TEST_F(opening_view, shows_what_is_no_number_as_printf_does) {
+  qvi_opening* const empty = qv_test::add_opening(scene);
+  scene.precompute();
+  ASSERT_TRUE(std::isnan(empty->get_U()));
+  const std::string nan = std::signbit(empty->get_U()) ? "-nan" : "nan";
+  EXPECT_EQ(empty->get_html_information(),
+            "<table width=100% border=0>"
+            "<tr><td><b>Surface de vitrage :</b></td><td align=left>0.00 m²</td></tr>"
+            "<tr><td><b>Surface opaque :</b></td><td align=left>0.00 m²</td></tr>"
+            "<tr><td><b>Surface de cadre :</b></td><td align=left>0.00 m²</td></tr>"
+            "<tr><td><b>Surface totale :</b></td><td align=left>0.00 m²</td></tr>"
+            "<tr><td><b>U :</b></td><td align=left>" +
+                nan +
+                " W/K/m²</td></tr>"
+                "<tr><td><b>Facteur solaire :</b></td><td align=left>" +
+                nan +
+                " %</td></tr>"
+                "<tr><td><b>Transmission lumineuse :</b></td><td align=left>" +
+                nan + " %</td></tr></table>");
+}
+
+TEST_F(opening_view, shows_its_own_forced_values_before_the_compositions) {
+  composition->set_forced_U(1.5f);
+  composition->set_forced_solar_factor(0.25f);
+  composition->set_forced_visible_transmittance(0.125f);
+  const auto last_rows = [&](const std::string& U, const std::string& solar_factor,
+                             const std::string& transmission) {
+    const std::string text = opening->get_html_information();
+    EXPECT_EQ(text.substr(text.find("<tr><td><b>U :")),
+              "<tr><td><b>U :</b></td><td align=left>" + U +
+                  " W/K/m²</td></tr><tr><td><b>Facteur solaire :</b></td><td align=left>" +
+                  solar_factor +
+                  " %</td></tr><tr><td><b>Transmission lumineuse :</b></td><td align=left>" +
+                  transmission + " %</td></tr></table>");
+  };
+  last_rows("1.500", "25.0", "12.5");
+  opening->set_forced_U(0);  // 0 is forced
+  opening->set_forced_solar_factor(0);
+  opening->set_forced_visible_transmittance(1);
+  last_rows("0.000", "0.0", "100.0");
+  opening->set_forced_U(-0.001f);
+  opening->set_forced_solar_factor(-0.001f);
+  opening->set_forced_visible_transmittance(-0.001f);
+  last_rows("1.500", "25.0", "12.5");
+}
+
 TEST_F(opening_view, has_no_highlight_unless_it_or_its_composition_is_chosen) {
   gl_recorder gl;
   opening->render_opengl(true);
@@ -99,6 +147,46 @@ TEST_F(opening_view, is_highlighted_in_red_when_selected_and_in_yellow_under_the
   gl_recorder gl;
   opening->render_opengl(true);
   EXPECT_TRUE(gl.primitives.empty());
+}
+
+TEST_F(opening_view, sets_each_state_in_turn) {
+  opening->set_selected(true);
+  gl_recorder gl;
+  opening->render_opengl(true);
+  EXPECT_EQ(gl.calls,
+            (std::vector<std::string>{"disable lighting", "disable depth_test", "color 1 0 0 0.2",
+                                      "triangles 6", "triangles 6", "triangles 6",
+                                      "enable depth_test", "enable lighting"}));
+}
+
+TEST_F(opening_view, draws_its_base_when_it_is_not_to_show_its_highlight) {
+  opening->set_selected(true);
+  opening->set_mouseover(true);
+  gl_recorder gl;
+  opening->render_opengl(false);
+  EXPECT_TRUE(gl.calls.empty());
+}
+
+TEST_F(opening_view, draws_every_piece_below_it_hidden_or_not_in_the_current_colour) {
+  auto* const sash = add_new<qv_item>(*opening);
+  auto* const deep = new qvi_polygon;
+  const qv_polygon shape = facade_rectangle(0, 0, 1, 1);
+  deep->load_from_polygon(&shape);
+  deep->set_rendering_visibility(false);
+  sash->add_child(deep, -1);
+  gl_recorder gl;
+  opening->render_opengl_raw();
+  EXPECT_EQ(gl.calls, std::vector<std::string>(4, "triangles 6"));
+}
+
+TEST_F(opening_view, leaves_the_states_as_they_were_when_it_has_no_piece) {
+  qvi_opening* const empty = qv_test::add_opening(scene);
+  empty->set_selected(true);
+  gl_recorder gl;
+  empty->render_opengl(true);
+  EXPECT_TRUE(gl.primitives.empty());
+  EXPECT_TRUE(gl.lighting);
+  EXPECT_TRUE(gl.depth_test);
 }
 
 TEST_F(opening_view, draws_its_surface) {

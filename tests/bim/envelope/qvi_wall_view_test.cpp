@@ -7,6 +7,7 @@
 #include "bim/materials/qvi_material.h"
 #include "core/items/qv_scene.h"
 #include "tests/support/qv_recording_gl.h"
+#include "tests/support/qv_shapes.h"
 #include "tests/support/qv_test_buildings.h"
 
 using namespace qv;
@@ -125,6 +126,38 @@ TEST_F(qvi_wall_view, describes_a_roof_over_nothing) {
                 "Extérieur vers Extérieur" + panel_end);
 }
 
+TEST_F(qvi_wall_view, describes_a_wall_whose_only_space_is_the_second_one) {
+  wall_->set_space_0(nullptr);
+  wall_->set_space_1(kitchen_);
+  const std::string tail = composition_rows + "Extérieur vers " + kitchen_link + panel_end;
+  const std::string its_space = "<td><b>Pièce :</b></td><td>" + kitchen_link + "</td></tr>";
+  EXPECT_EQ(wall_->get_html_information(), panel_head("Façade") + its_space + tail);
+  wall_->set_wall_type(type::floor);
+  EXPECT_EQ(wall_->get_html_information(), panel_head("Plancher bas") + its_space + tail);
+  // A roof shows its first space only.
+  wall_->set_wall_type(type::roof);
+  EXPECT_EQ(wall_->get_html_information(),
+            panel_head("Toiture") + "<td><b>Pièce :</b></td><td></td></tr>" + tail);
+}
+
+TEST_F(qvi_wall_view, describes_a_roof_between_two_spaces_by_the_first_of_them) {
+  wall_->set_wall_type(type::roof);
+  wall_->set_space_1(kitchen_);
+  EXPECT_EQ(wall_->get_html_information(), panel_head("Toiture") + "<td><b>Pièce :</b></td><td>" +
+                                               living_link + "</td></tr>" + composition_rows +
+                                               living_link + " vers " + kitchen_link + panel_end);
+}
+
+TEST_F(qvi_wall_view, describes_a_wall_without_a_composition) {
+  wall_->set_composition(nullptr);
+  wall_->set_composition_reverse(true);  // the sense is told by the spaces alone
+  EXPECT_EQ(wall_->get_html_information(),
+            panel_head("Façade") + "<td><b>Pièce :</b></td><td>" + living_link +
+                "</td></tr><tr><td><b>Composition : </b></td><td></td></tr>"
+                "<tr><td><b>Sens de la composition : </b></td><td>" +
+                living_link + " vers Extérieur" + panel_end);
+}
+
 // --- the drawing ---
 
 TEST_F(qvi_wall_view, draws_nothing_when_nothing_related_is_selected) {
@@ -162,13 +195,53 @@ TEST_F(qvi_wall_view, draws_its_contour_its_normal_and_its_faces) {
 TEST_F(qvi_wall_view, sets_each_state_in_turn) {
   gl_recorder gl;
   wall_->render_opengl_transparent({1, 0, 0, 1});
-  ASSERT_GE(gl.calls.size(), 2u);
-  EXPECT_EQ(gl.calls.front(), "disable lighting");
-  EXPECT_EQ(std::count(gl.calls.begin(), gl.calls.end(), "color 1 0 0 0.5"), 1);
-  EXPECT_EQ(std::count(gl.calls.begin(), gl.calls.end(), "color 1 0 0 0.2"), 1);
-  EXPECT_EQ(std::count(gl.calls.begin(), gl.calls.end(), "line_width 1"), 2);
-  EXPECT_EQ(std::count(gl.calls.begin(), gl.calls.end(), "enable lighting"), 1);
-  EXPECT_EQ(std::count(gl.calls.begin(), gl.calls.end(), "enable depth_test"), 1);
+  EXPECT_EQ(gl.calls,
+            (std::vector<std::string>{"disable lighting", "disable depth_test", "color 1 0 0 0.5",
+                                      "line_width 1", "line_loop 4", "line_loop 4", "lines 2",
+                                      "color 1 0 0 0.2", "line_width 1", "triangles 6",
+                                      "triangles 6", "enable lighting", "enable depth_test"}));
+}
+
+TEST_F(qvi_wall_view, draws_faces_that_are_hidden_otherwise) {
+  wall_->get_face_0()->set_rendering_visibility(false);
+  wall_->get_face_1()->set_rendering_visibility(false);
+  wall_->set_selected(true);
+  gl_recorder gl;
+  wall_->render_opengl(true);
+  EXPECT_EQ(gl.get_contours().size(), 3u);
+  EXPECT_EQ(gl.get_surfaces().size(), 2u);
+}
+
+TEST_F(qvi_wall_view, is_not_highlighted_under_the_mouse_alone) {
+  wall_->set_mouseover(true);
+  composition_->set_mouseover(true);
+  gl_recorder gl;
+  wall_->render_opengl(true);
+  EXPECT_TRUE(gl.calls.empty());
+}
+
+// Without a scene nothing is the selected item, so nothing is related to it.
+TEST_F(qvi_wall_view, is_red_when_selected_outside_a_scene) {
+  wall_->remove();
+  const qv_test::owned_item<qvi_wall> outside(wall_);
+  wall_->set_selected(true);
+  gl_recorder gl;
+  wall_->render_opengl(true);
+  ASSERT_EQ(gl.primitives.size(), 5u);
+  EXPECT_EQ(gl.primitives[0].color, qv_color(1, 0, 0, 0.5f));
+  EXPECT_EQ(gl.primitives[4].color, qv_color(1, 0, 0, 0.2f));
+}
+
+TEST_F(qvi_wall_view, leaves_the_states_as_they_were_when_it_has_no_face) {
+  for (qv_item* face : wall_->collect("polygon")) qv_item::destroy(face);
+  wall_->set_selected(true);
+  gl_recorder gl;
+  wall_->render_opengl(true);
+  EXPECT_TRUE(gl.get_surfaces().empty());
+  for (const auto& primitive : gl.primitives)
+    for (const qv_3dvector& vertex : primitive.vertices) EXPECT_TRUE(vertex.is_finite());
+  EXPECT_TRUE(gl.lighting);
+  EXPECT_TRUE(gl.depth_test);
 }
 
 TEST_F(qvi_wall_view, is_yellow_when_related_to_the_selected_item_and_red_when_only_selected) {

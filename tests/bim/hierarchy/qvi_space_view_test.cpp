@@ -92,6 +92,100 @@ TEST_F(qvi_space_view, draws_its_shell_transparently) {
   EXPECT_TRUE(gl.depth_test);
 }
 
+using texts = std::vector<std::string>;
+
+// The calls of a highlight of `count` four-cornered polygons.
+texts get_highlight(int count, const std::string& color) {
+  texts calls = {"disable lighting", "disable depth_test", "color " + color + " 0.5",
+                 "line_width 1"};
+  calls.insert(calls.end(), static_cast<std::size_t>(count), "line_loop 4");
+  calls.push_back("color " + color + " 0.2");
+  calls.insert(calls.end(), static_cast<std::size_t>(count), "triangles 6");
+  calls.insert(calls.end(), {"enable lighting", "enable depth_test"});
+  return calls;
+}
+
+TEST_F(qvi_space_view, sets_each_state_in_turn) {
+  room_.space->precompute();
+  room_.space->set_selected(true);
+  gl_recorder gl;
+  room_.space->render_opengl(true);
+  EXPECT_EQ(gl.calls, get_highlight(6, "1 0 0"));
+}
+
+TEST_F(qvi_space_view, draws_every_polygon_of_a_shell_of_its_own_and_no_wall) {
+  auto* const folder = new qv_item;
+  room_.space->add_child(folder, -1);
+  qv_test::add_face(*folder, qv_test::rectangle({7, 0, 0}, {8, 0, 0}, {7, 1, 0}));
+  qv_test::add_face(*room_.space, qv_test::rectangle({7, 0, 1}, {8, 0, 1}, {7, 1, 1}));
+  room_.space->precompute();
+  room_.space->set_mouseover(true);
+  gl_recorder gl;
+  room_.space->render_opengl(true);
+  EXPECT_EQ(gl.calls, get_highlight(2, "1 1 0"));
+  for (const auto& primitive : gl.primitives)
+    for (const qv_3dvector& vertex : primitive.vertices) EXPECT_GE(vertex.x, 7);
+}
+
+TEST_F(qvi_space_view, draws_both_faces_of_a_wall_that_has_it_on_both_sides) {
+  qvi_space* const space = qv_test::add_space(scene_);
+  qvi_wall* const screen =
+      qv_test::add_wall(scene_, qvi_wall::wall_type::wall, space, space,
+                        qv_test::rectangle({20, 0, 0}, {24, 0, 0}, {20, 0, 2}), 0.5f);
+  scene_.precompute();
+  for (qv_item* polygon : space->collect("polygon")) qv_item::destroy(polygon);
+  gl_recorder gl;
+  space->render_opengl_transparent({1, 0, 0, 1});
+  EXPECT_EQ(gl.calls, get_highlight(2, "1 0 0"));
+  screen->set_face_1(nullptr);
+  gl.calls.clear();
+  space->render_opengl_transparent({1, 0, 0, 1});
+  EXPECT_EQ(gl.calls, get_highlight(1, "1 0 0"));
+}
+
+TEST_F(qvi_space_view, draws_the_plain_faces_where_its_walls_are_pierced) {
+  scene_.precompute();
+  for (qvi_wall* wall : room_.space->get_walls()) wall->create_opening(0.5f, true);
+  for (qv_item* polygon : room_.space->collect("polygon")) qv_item::destroy(polygon);
+  gl_recorder gl;
+  room_.space->render_opengl_transparent({1, 0, 0, 1});
+  EXPECT_EQ(gl.calls, get_highlight(6, "1 0 0"));
+}
+
+TEST_F(qvi_space_view, leaves_the_states_as_they_were_when_it_has_neither_shell_nor_wall) {
+  qvi_space* const empty = qv_test::add_space(scene_);
+  empty->set_selected(true);
+  gl_recorder gl;
+  empty->render_opengl(true);
+  EXPECT_EQ(gl.calls, get_highlight(0, "1 0 0"));
+}
+
+TEST_F(qvi_space_view, is_not_drawn_for_an_outer_space_above_it) {
+  auto* const outside = new qvi_xspace;
+  scene_.add_child(outside, -1);
+  qvi_space* const room = qv_test::add_space(*outside);
+  room->set_selected(true);
+  gl_recorder gl;
+  outside->render_opengl(true);
+  EXPECT_TRUE(gl.primitives.empty());
+}
+
+TEST_F(qvi_space_view, draws_the_spaces_below_it_before_itself_and_no_outer_space) {
+  room_.space->precompute();
+  auto* const outside = new qvi_xspace;
+  room_.space->add_child(outside, -1);
+  qvi_space* const child = qv_test::add_space(*room_.space);
+  for (qv_item* item : std::initializer_list<qv_item*>{outside, child, room_.space})
+    item->set_selected(true);
+  child->set_mouseover(true);
+  gl_recorder gl;
+  room_.space->render_opengl(true);
+  texts expected = get_highlight(0, "1 1 0");
+  const texts own = get_highlight(6, "1 0 0");
+  expected.insert(expected.end(), own.begin(), own.end());
+  EXPECT_EQ(gl.calls, expected);
+}
+
 TEST_F(qvi_space_view, draws_the_faces_of_its_walls_while_it_has_no_shell) {
   auto block = qv_test::add_block(scene_, {20, 0, 0}, 2, 1, 1, {4, 5, 2.5f}, 0.5f);
   // The walls get their faces only after the space has looked for them.
@@ -184,6 +278,24 @@ TEST_F(qvi_xspace_view, does_nothing_when_it_is_not_to_draw) {
   outside_->set_selected(true);
   outside_->render_opengl(false);
   EXPECT_TRUE(gl.calls.empty());
+}
+
+TEST_F(qvi_xspace_view, sets_each_state_in_turn) {
+  outside_->set_mouseover(true);
+  gl_recorder gl;
+  outside_->render_opengl(true);
+  EXPECT_EQ(gl.calls, get_highlight(2, "1 1 0"));
+  // The deeper polygon comes first.
+  EXPECT_EQ(gl.primitives[0].vertices[0].z, 0);
+  EXPECT_EQ(gl.primitives[1].vertices[0].z, 1);
+}
+
+TEST_F(qvi_xspace_view, leaves_the_states_as_they_were_when_highlighted_without_a_mesh) {
+  for (qv_item* mesh : outside_->collect("mesh")) qv_item::destroy(mesh);
+  outside_->set_selected(true);
+  gl_recorder gl;
+  outside_->render_opengl(true);
+  EXPECT_EQ(gl.calls, get_highlight(0, "1 0 0"));
 }
 
 TEST_F(qvi_xspace_view, draws_its_meshes_in_yellow_under_the_mouse_and_in_red_when_selected) {

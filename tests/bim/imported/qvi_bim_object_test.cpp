@@ -8,6 +8,7 @@
 #include "core/shapes/qvi_mesh_instance.h"
 #include "tests/support/qv_probe_item.h"
 #include "tests/support/qv_recorders.h"
+#include "tests/support/qv_recording_gl.h"
 #include "tests/support/qv_shapes.h"
 #include "tests/support/qv_test_buildings.h"
 #include "utilities/qv_date.h"
@@ -80,6 +81,23 @@ TEST(qvi_bim_object, leaves_the_dates_of_meshes_that_are_right_already) {
   const unsigned int date = mesh->get_raytracing_layers_date();
   object->precompute();
   EXPECT_EQ(mesh->get_raytracing_layers_date(), date);
+}
+
+// --- what it draws ---
+
+// Its meshes are items of their own, which the host draws one by one.
+TEST(qvi_bim_object, draws_nothing_itself_visible_or_not) {
+  auto object = make_item<qvi_bim_object>();
+  add_face(*object, rectangle({0, 0, 0}, {1, 0, 0}, {0, 1, 0}));
+  object->set_selected(true);
+  object->set_mouseover(true);
+  qv_test::gl_recorder gl;
+  for (bool visible : {true, false}) {
+    object->set_visibility(visible);
+    object->render_opengl(false);
+    object->render_opengl(true);
+  }
+  EXPECT_TRUE(gl.calls.empty());
 }
 
 // --- what belongs to it ---
