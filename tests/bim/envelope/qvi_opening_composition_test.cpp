@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
+#include <utility>
 
 #include "bim/envelope/qvi_opening.h"
 #include "bim/materials/qvi_glazing.h"
@@ -87,6 +89,29 @@ TEST(qvi_opening_composition, takes_a_forced_value_of_nothing_for_forced) {
             panel("", "Autre", "0.000 W/m<sup>2</sup>/K", "0 %", "0 %"));
   kind.set_forced_U(-0.5f);  // any negative value counts as not forced
   EXPECT_EQ(kind.get_html_information(), panel("", "Autre", computed, "0 %", "0 %"));
+}
+
+// 0.29 is a little less in single precision, its hundredfold is 29 again.
+TEST(qvi_opening_composition, takes_a_hundred_times_a_factor_in_single_precision) {
+  qvi_opening_composition kind;
+  for (const auto& [factor, text] : {std::pair(0.29f, "29 %"),
+                                     {0.57f, "57 %"},
+                                     {0.999f, "99 %"},
+                                     {1.0f, "100 %"},
+                                     {12.345f, "1234 %"}}) {
+    kind.set_forced_solar_factor(factor);
+    kind.set_forced_visible_transmittance(factor);
+    EXPECT_EQ(kind.get_html_information(), panel("", "Autre", computed, text, text));
+  }
+}
+
+TEST(qvi_opening_composition, shows_a_factor_that_is_no_number_as_computed) {
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  qvi_opening_composition kind;
+  kind.set_forced_U(nan);
+  kind.set_forced_solar_factor(nan);
+  EXPECT_EQ(kind.get_html_information(),
+            panel("", "Autre", computed, computed, computed_transmission));
 }
 
 // Deliberate: the transmission is shown as forced when the solar factor is.

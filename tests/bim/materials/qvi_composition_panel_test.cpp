@@ -112,6 +112,60 @@ TEST_F(qvi_composition_panel, shows_nothing_much_of_an_empty_one) {
                 "<td align=right><b>0.000</b></td></tr></table>");
 }
 
+// The head shows what was last computed, the rows what the layers are now.
+TEST_F(qvi_composition_panel, shows_its_layers_before_anything_is_computed) {
+  composition_.set_layers({&insulant_, &board_});
+  composition_.set_layer_thicknesses({0.1f, 9});
+  const std::string text = composition_.get_html_information();
+  EXPECT_NE(text.find("<tr><td><b>Epaisseur :<b></td><td>0 mm</td></tr>"), std::string::npos);
+  EXPECT_EQ(get_layers(),
+            "Liste des couches de l'extérieur vers l'intérieur :" + table_head +
+                "<tr><td>Laine</td><td align=right>100</td><td align=right>2.500</td></tr>"
+                "<tr><td>BA13</td><td align=right>13</td><td align=right>0.050</td></tr>"
+                "<tr><td><b>Total :</b></td><td align=right><b>113</b></td>"
+                "<td align=right><b>2.550</b></td></tr></table>");
+}
+
+// The sum of the rows is cut, not the sum of the cut rows: 10.6 + 10.6 = 21.2 mm.
+TEST_F(qvi_composition_panel, cuts_each_thickness_once) {
+  set_layers({&concrete_, &concrete_}, {0.0106f, 0.0106f});
+  EXPECT_EQ(get_layers(),
+            "Liste des couches de l'extérieur vers l'intérieur :" + table_head +
+                "<tr><td>Béton</td><td align=right>10</td><td align=right>0.005</td></tr>"
+                "<tr><td>Béton</td><td align=right>10</td><td align=right>0.005</td></tr>"
+                "<tr><td><b>Total :</b></td><td align=right><b>21</b></td>"
+                "<td align=right><b>0.011</b></td></tr></table>");
+}
+
+TEST_F(qvi_composition_panel, shows_a_resistance_of_999_where_hardly_any_heat_passes) {
+  const auto get_head = [&](float resistance) {
+    board_.set_resistance(resistance);
+    set_layers({&board_}, {});
+    const std::string panel = composition_.get_html_information();
+    const std::size_t from = panel.find("<tr><td><b>Résistance");
+    return panel.substr(from, panel.find("</table>") - from);
+  };
+  const auto rows = [](const std::string& resistance, const std::string& U) {
+    return "<tr><td><b>Résistance :<b></td><td>" + resistance +
+           " K.m<sup>2</sup>/W</td></tr><tr><td><b>U :<b></td><td>" + U + " W/m/K</td></tr>";
+  };
+  EXPECT_EQ(get_head(800), rows("800.000", "0.001"));
+  EXPECT_EQ(get_head(2000),
+            rows("999.000", "0.001"));  // U = 0.0005, a little above in single precision
+  EXPECT_EQ(get_head(4000), rows("999.000", "0.000"));
+  EXPECT_EQ(get_head(0.0005f), rows("0.001", "999.000"));
+}
+
+TEST_F(qvi_composition_panel, shows_a_layer_that_is_gone_as_an_empty_row) {
+  set_layers({nullptr, &insulant_}, {0.2f, 0.1f});
+  EXPECT_EQ(get_layers(),
+            "Liste des couches de l'extérieur vers l'intérieur :" + table_head +
+                "<tr><td></td><td align=right>0</td><td align=right>0.000</td></tr>"
+                "<tr><td>Laine</td><td align=right>100</td><td align=right>2.500</td></tr>"
+                "<tr><td><b>Total :</b></td><td align=right><b>100</b></td>"
+                "<td align=right><b>2.500</b></td></tr></table>");
+}
+
 TEST_F(qvi_composition_panel, deliberately_captions_the_insulation_as_typology) {
   const std::pair<insulation, const char*> labels[] = {{insulation::none, "Aucune"},
                                                        {insulation::interior, "Intérieure"},

@@ -166,6 +166,29 @@ TEST_F(qvi_material_mix_test, a_conductivity_of_zero_makes_an_infinite_resistanc
   EXPECT_NE(mix_->get_html_information().find("<td>inf K.m<sup>2</sup>/W</td>"), std::string::npos);
 }
 
+TEST_F(qvi_material_mix_test, describes_itself_as_a_material) {
+  auto* const mix = new qvi_material_mix;
+  scene_.add_child(mix, -1);
+  mix->set_name("Briques et mortier");
+  mix->set_typology(qvi_matter::material_typology::heavy_structure);
+  mix->set_thickness(0.15f);
+  mix->set_resistance(0.25f);
+  mix->set_conductivity(0.6f);
+  EXPECT_EQ(mix->get_html_information(),
+            "<h2>Briques et mortier</h2>"
+            "<table width=100% border=0>"
+            "<tr><td><b>Typologie :<b></td><td>Structure lourde</td></tr>"
+            "<tr><td><b>Epaisseur :<b></td><td>150 mm</td></tr>"
+            "<tr><td><b>Résistance :<b></td><td>0.250 K.m<sup>2</sup>/W</td></tr>"
+            "<tr><td><b>Conductivité :<b></td><td>0.600 W/m/K</td></tr>"
+            "<tr><td><b>Chaleur massique :<b></td><td>0 J/(Kg.K)</td></tr>"
+            "<tr><td><b>Masse volumique :<b></td><td>0 Kg/m<sup>3</sup></td></tr>"
+            "<tr><td><b>Albedo :<b></td><td>0.40</td></tr>"
+            "<tr><td><b>Reflectance visible :<b></td><td>0.40</td></tr>"
+            "<tr><td><b>Emissivité thermique :<b></td><td>0.40</td></tr>"
+            "</table>");
+}
+
 TEST_F(qvi_material_mix_test, a_mix_of_nothing_has_no_properties) {
   auto* empty = new qvi_material_mix;
   empty->set_density(12);

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <limits>
+#include <locale>
 #include <random>
 
 #include "bim/materials/qvi_composition.h"
@@ -104,6 +106,87 @@ TEST(qvi_material, shows_thickness_and_resistance_after_its_typology) {
             "<tr><td><b>Reflectance visible :<b></td><td>0.40</td></tr>"
             "<tr><td><b>Emissivité thermique :<b></td><td>0.40</td></tr>"
             "</table>");
+}
+
+// The panel with each number written by printf.
+std::string get_printed_panel(const qvi_material& material) {
+  const auto number = [](const char* format, double value) {
+    char text[80];
+    std::snprintf(text, sizeof text, format, value);
+    return std::string(text);
+  };
+  const auto integer = [](float value) { return std::to_string(static_cast<int>(value)); };
+  return "<h2></h2><table width=100% border=0>"
+         "<tr><td><b>Typologie :<b></td><td>Autre</td></tr>"
+         "<tr><td><b>Epaisseur :<b></td><td>" +
+         integer(material.get_thickness() * 1000) +
+         " mm</td></tr><tr><td><b>Résistance :<b></td><td>" +
+         number("%.3f", material.get_resistance()) +
+         " K.m<sup>2</sup>/W</td></tr><tr><td><b>Conductivité :<b></td><td>" +
+         number("%.3f", material.get_conductivity()) +
+         " W/m/K</td></tr><tr><td><b>Chaleur massique :<b></td><td>" +
+         integer(material.get_specific_heat()) +
+         " J/(Kg.K)</td></tr><tr><td><b>Masse volumique :<b></td><td>" +
+         integer(material.get_density()) +
+         " Kg/m<sup>3</sup></td></tr><tr><td><b>Albedo :<b></td><td>" +
+         number("%.2f", material.get_diffuse_reflexion(qv_spectrum::solar)) +
+         "</td></tr><tr><td><b>Reflectance visible :<b></td><td>" +
+         number("%.2f", material.get_diffuse_reflexion(qv_spectrum::visible)) +
+         "</td></tr><tr><td><b>Emissivité thermique :<b></td><td>" +
+         number("%.2f", material.get_diffuse_reflexion(qv_spectrum::thermal)) +
+         "</td></tr></table>";
+}
+
+TEST(qvi_material, writes_numbers_as_printf_does) {
+  constexpr unsigned int seed = 20;
+  RecordProperty("seed", static_cast<int>(seed));
+  std::mt19937 random(seed);
+  // Many thousandths, halves among them, of either sign and of every size below a million.
+  const auto dice = [&] {
+    const float sign = random() % 4 == 0 ? -1.0f : 1.0f;
+    const float scale = std::pow(10.0f, static_cast<float>(random() % 7));
+    return sign * static_cast<float>(random() % 20001) / 2000.0f / 10.0f * scale / 1000.0f;
+  };
+  qvi_material material;
+  for (int i = 0; i < 500; ++i) {
+    material.set_thickness(dice());
+    material.set_resistance(dice());
+    material.set_conductivity(dice());
+    material.set_specific_heat(dice());
+    material.set_density(dice());
+    for (const auto spectrum : {qv_spectrum::solar, qv_spectrum::visible, qv_spectrum::thermal})
+      material.set_diffuse_reflexion(dice(), spectrum);
+    ASSERT_EQ(material.get_html_information(), get_printed_panel(material));
+  }
+}
+
+TEST(qvi_material, writes_numbers_beyond_every_integer) {
+  qvi_material material;
+  material.set_thickness(3e9f);  // a thousand times that in single precision
+  material.set_density(-4294967296.0f);
+  material.set_specific_heat(std::numeric_limits<float>::infinity());
+  const std::string text = material.get_html_information();
+  EXPECT_NE(text.find("<td>3000000053248 mm</td>"), std::string::npos) << text;
+  EXPECT_NE(text.find("<td>-4294967296 Kg/m<sup>3</sup></td>"), std::string::npos) << text;
+  EXPECT_NE(text.find("<td>inf J/(Kg.K)</td>"), std::string::npos) << text;
+}
+
+TEST(qvi_material, writes_the_same_numbers_in_a_locale_with_a_comma) {
+  struct comma : std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return ' '; }
+    std::string do_grouping() const override { return "\3"; }
+  };
+  qvi_material material;
+  material.set_thickness(1.5f);
+  material.set_density(1234567);
+  const std::string expected = material.get_html_information();
+  const std::locale before = std::locale::global(std::locale(std::locale(), new comma));
+  const std::string text = material.get_html_information();
+  std::locale::global(before);
+  EXPECT_EQ(text, expected);
+  EXPECT_NE(text.find("<td>1500 mm</td>"), std::string::npos);
+  EXPECT_NE(text.find("<td>1234567 Kg"), std::string::npos);
 }
 
 TEST(qvi_material, does_not_derive_its_resistance) {
