@@ -5,9 +5,10 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <locale>
 #include <nlohmann/json.hpp>
 #include <random>
+
+#include "tests/support/qv_comma_locale.h"
 
 namespace {
 
@@ -103,15 +104,8 @@ TEST(qv_json_writer, puts_lines_and_one_line_records_where_asked) {
 }
 
 TEST(qv_json_writer, keeps_the_point_in_a_locale_with_a_comma) {
-  struct comma : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return ' '; }
-    std::string do_grouping() const override { return "\3"; }
-  };
-  const std::locale before = std::locale::global(std::locale(std::locale(), new comma));
-  const std::string text = text_of(1234.5f) + text_of(1234567LL);
-  std::locale::global(before);
-  EXPECT_EQ(text, "[1234.5]\n[1234567]\n");
+  const qv_test::comma_locale comma;
+  EXPECT_EQ(text_of(1234.5f) + text_of(1234567LL), "[1234.5]\n[1234567]\n");
 }
 
 }  // namespace

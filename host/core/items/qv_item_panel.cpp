@@ -49,9 +49,9 @@ std::string label_text(const qv_param& param, int index) {
 template <class List, class To_text>
 std::string list_text(const List& list, To_text to_text) {
   std::string text;
-  for (const auto& element : list) {
-    if (!text.empty()) text += ", ";
-    text += to_text(element);
+  for (int i = 0; i < list.get_count(); ++i) {
+    if (i > 0) text += ", ";
+    text += to_text(list[i]);
   }
   return text;
 }

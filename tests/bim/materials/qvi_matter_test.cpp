@@ -5,12 +5,12 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
-#include <locale>
 #include <random>
 
 #include "bim/materials/qvi_composition.h"
 #include "bim/materials/qvi_material.h"
 #include "bim/materials/qvi_material_mix.h"
+#include "tests/support/qv_comma_locale.h"
 #include "tests/support/qv_recorders.h"
 
 using namespace qv;
@@ -172,18 +172,12 @@ TEST(qvi_material, writes_numbers_beyond_every_integer) {
 }
 
 TEST(qvi_material, writes_the_same_numbers_in_a_locale_with_a_comma) {
-  struct comma : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return ' '; }
-    std::string do_grouping() const override { return "\3"; }
-  };
   qvi_material material;
   material.set_thickness(1.5f);
   material.set_density(1234567);
   const std::string expected = material.get_html_information();
-  const std::locale before = std::locale::global(std::locale(std::locale(), new comma));
+  const qv_test::comma_locale comma;
   const std::string text = material.get_html_information();
-  std::locale::global(before);
   EXPECT_EQ(text, expected);
   EXPECT_NE(text.find("<td>1500 mm</td>"), std::string::npos);
   EXPECT_NE(text.find("<td>1234567 Kg"), std::string::npos);
