@@ -56,8 +56,8 @@ void footprint_curtain_wall(benchmark::State& state) {
     {
       auto wall = qv_test::make_item<qvi_bim_object>();
       for (int i = 0; i < state.range(0); i += 2) {
-        const auto x = static_cast<float>(i / 2 % 20);
-        const auto z = static_cast<float>(i / 40);
+        const int column = i / 2 % 20, row = i / 40;
+        const auto x = static_cast<float>(column), z = static_cast<float>(row);
         add_prism(*wall, x + 0.05f, z, 0.95f, 1, 0.02f);
         add_prism(*wall, x, z, 0.05f, 1, 0.15f);
       }

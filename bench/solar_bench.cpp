@@ -231,6 +231,7 @@ void year_threads(benchmark::State& state) {
   for (auto _ : state) {
     std::atomic<std::size_t> next{0};
     std::vector<std::jthread> threads;
+    threads.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
       threads.emplace_back([&] {
         for (std::size_t k = next++; k < place.facades.size(); k = next++) {
@@ -290,7 +291,7 @@ void error_against_dense(benchmark::State& state, solar_town& (*town)(), solar_e
   state.counters["largest_error_percent"] = 100 * largest;
 }
 
-constexpr solar_effort courtyard_effort = {32000, 4096, 3, 0};
+constexpr solar_effort courtyard_effort = {32000, 8192, 3, 0};
 /// A thousandth part of this must still be something.
 constexpr solar_effort small_effort = {32000, 1024, 3, 0};
 

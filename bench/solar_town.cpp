@@ -95,7 +95,8 @@ void make_block(solar_town& town, int receivers, int detail) {
   const int blocks = receivers / 40;
   const int side = static_cast<int>(std::ceil(std::sqrt(blocks)));
   for (int i = 0; i < blocks; ++i) {
-    const float x = static_cast<float>(i % side) * 35, y = static_cast<float>(i / side) * 28;
+    const int column = i % side, row = i / side;
+    const float x = static_cast<float>(column) * 35, y = static_cast<float>(row) * 28;
     const float height = 9 + static_cast<float>(i * 7 % 5) * 3;
     town.add_building({x, y, 0}, {x + 22, y + 14, height}, 5, 2, detail);
   }

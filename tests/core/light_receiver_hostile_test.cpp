@@ -49,7 +49,8 @@ std::vector<float> results(const qv_receiver& receiver) {
 /// A small town: boxes of different heights and finishes, and a mirror.
 void add_town(qv_scene& scene) {
   for (int i = 0; i < 9; ++i) {
-    const auto x = static_cast<float>(i % 3) * 8 - 8, y = static_cast<float>(i / 3) * 8 - 8;
+    const int column = i % 3, row = i / 3;
+    const auto x = static_cast<float>(column) * 8 - 8, y = static_cast<float>(row) * 8 - 8;
     add_surface(scene, box({x - 2, y - 2, 0}, {x + 2, y + 2, 3 + static_cast<float>(i)}),
                 {0.3f + 0.05f * static_cast<float>(i), i == 4 ? 0.2f : 0, 0, i == 7 ? 0.1f : 0});
   }
@@ -261,5 +262,6 @@ TEST(qv_receiver, keeps_sample_points_over_the_whole_area) {
     EXPECT_LE(std::fabs(point.y), 1);
     ++quarters[(point.x > 0 ? 1 : 0) + (point.y > 0 ? 2 : 0)];
   }
-  for (int count : quarters) EXPECT_NEAR(count, receiver.get_samples().get_count() / 4, 12);
+  const double quarter = receiver.get_samples().get_count() / 4.0;
+  for (int count : quarters) EXPECT_NEAR(count, quarter, 12);
 }

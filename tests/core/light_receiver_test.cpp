@@ -52,7 +52,7 @@ TEST(qv_receiver, gets_the_cosine_of_the_sun_and_its_share_of_the_sky_in_the_ope
     // Above the surface in the scene, where it is not hidden for any tilt up to 90°.
     test_receiver receiver(scene, to_polygon(qv_3dvector(0, 0, 50) - u - v, u * 2, v * 2));
     if (tilt > 90) receiver.set_ray_depth(0);
-    receiver.compute(1);
+    receiver.compute(2);
     for (int i = 0; i < 4; ++i) {
       const bool up = suns[static_cast<std::size_t>(i)].z > 0;
       const double cosine = suns[static_cast<std::size_t>(i)].dot(receiver.get_normal());

@@ -20,7 +20,7 @@ TEST(sample_sequence, fills_every_strip_of_each_dimension_and_each_cell_of_the_f
     for (const auto make : {get_sequence_point, get_shuffled_sequence_point}) {
       std::vector<int> strips(4 * 256), cells(256);
       for (std::uint32_t i = 0; i < 256; ++i) {
-        const auto point = make(i, seed);
+        const auto point = make(i, scrambling(seed));
         for (std::size_t d = 0; d < 4; ++d) {
           ASSERT_GE(point[d], 0);
           ASSERT_LT(point[d], 1);
@@ -40,8 +40,8 @@ TEST(sample_sequence, has_points_of_different_seeds_that_have_nothing_in_common)
   double product = 0, square = 0;
   constexpr int count = 4000;
   for (std::uint32_t i = 0; i < count; ++i) {
-    const double a = get_sequence_point(5, combine_seeds(3, i))[2] - 0.5;
-    const double b = get_sequence_point(5, combine_seeds(4, i))[2] - 0.5;
+    const double a = get_sequence_point(5, scrambling(combine_seeds(3, i)))[2] - 0.5;
+    const double b = get_sequence_point(5, scrambling(combine_seeds(4, i)))[2] - 0.5;
     product += a * b;
     square += a * a;
   }

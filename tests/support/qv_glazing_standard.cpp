@@ -207,6 +207,7 @@ double inward_heat(const standard_stack& stack, const standard_departures& depar
         gap_resistances[g++] = layer.thickness / mix_gases(layer.gas_fractions).conductivity;
   }
   std::vector<standard_optics> panes;
+  panes.reserve(groups.size());
   for (const pane_group& group : groups) panes.push_back(follow_light(group.layers));
   const double hi = inner_coefficient(stack);
   switch (panes.size()) {

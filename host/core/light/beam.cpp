@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <optional>
 
 #include "core/light/mirrors.h"
 #include "core/light/qv_raytracer.h"
@@ -41,34 +42,82 @@ class step_random {
   std::uint64_t state_;
 };
 
-/// Two points in each of `count` / 2 strata of a surface.
-class paired_points {
+/// Points of a surface, evenly along its row (`surface_sampler`), to be chosen from where many
+/// steps need a few points each: a choice costs a fraction of a new point.
+///
+/// They are themselves random, one in each of 2,048 equal parts of the row, and low-discrepancy
+/// across it: what they are off the whole surface is small beside what a step's few samples are off
+/// them.
+class point_pool {
  public:
-  paired_points(const surface_sampler& surface, int count, step_random random)
-      : surface_(surface),
-        stratum_(2.0 / count),
-        fineness_(std::bit_width(static_cast<unsigned int>(count / 2 - 1))),
-        random_(random),
-        shift_(to_unit(static_cast<std::uint32_t>(random_.dice() >> 32))) {}
+  static constexpr int bit_count = 11;
+  static constexpr int size = 1 << bit_count;
+  /// Most samples of a step for which choosing does as well as new points.
+  static constexpr int most_samples = size / 64;
 
-  qv_3dvector get_next() {
-    const std::uint64_t bits = random_.dice();
-    const double within = to_unit(static_cast<std::uint32_t>(bits >> 32));
-    const auto stratum = static_cast<double>(index_++ >> 1);  // two points in each
-    const double position = shift_ + (stratum + within) * stratum_;
-    return surface_.get_point(position < 1 ? position : position - 1,
-                              to_unit(static_cast<std::uint32_t>(bits)), fineness_);
+  point_pool(const surface_sampler& surface, step_random random) {
+    const auto turn = static_cast<std::uint32_t>(random.dice());
+    points_.reserve(size);
+    for (std::uint32_t i = 0; i < size; ++i) {
+      const std::uint64_t bits = random.dice();
+      const double within = to_unit(static_cast<std::uint32_t>(bits >> 32));
+      const std::uint32_t below = static_cast<std::uint32_t>(bits) >> bit_count;
+      points_.push_back(
+          surface.get_point((i + within) / size, to_unit(reverse_bits(i) ^ turn ^ below), 0));
+    }
+  }
+
+  const qv_3dvector& get_point(std::uint32_t position) const {
+    return points_[position >> (32 - bit_count)];
   }
 
  private:
+  std::vector<qv_3dvector> points_;
+};
+
+/// Two points in each of `count` / 2 equal strata of a surface's row.
+class paired_points {
+ public:
+  /// The points are of `pool` unless it is null.
+  paired_points(const surface_sampler& surface, const point_pool* pool, int count,
+                step_random random)
+      : surface_(surface),
+        pool_(pool),
+        fineness_(std::bit_width(static_cast<unsigned int>(count / 2 - 1))),
+        width_((std::uint64_t{1} << 32) / static_cast<unsigned int>(count / 2)),
+        random_(random),
+        stratum_(static_cast<std::uint32_t>(random_.dice() >> 32)) {}
+
+  /// Calls `use` with the next stratum's two points.
+  template <class taker>
+  void take_pair(taker use) {
+    const std::uint64_t bits = random_.dice();
+    const std::uint32_t first = get_position(bits >> 32), second = get_position(bits & 0xffffffffu);
+    stratum_ += static_cast<std::uint32_t>(width_);
+    if (pool_ != nullptr) {
+      use(pool_->get_point(first), pool_->get_point(second));
+    } else {
+      const std::uint64_t across = random_.dice();
+      use(surface_.get_point(first * 0x1p-32, to_unit(static_cast<std::uint32_t>(across >> 32)),
+                             fineness_),
+          surface_.get_point(second * 0x1p-32, to_unit(static_cast<std::uint32_t>(across)),
+                             fineness_));
+    }
+  }
+
+ private:
+  std::uint32_t get_position(std::uint64_t bits) const {
+    return stratum_ + static_cast<std::uint32_t>((bits * width_) >> 32);
+  }
+
   const surface_sampler& surface_;
-  double stratum_;
+  const point_pool* pool_;
   int fineness_;
+  std::uint64_t width_;  // of a stratum, as a share of 2³²
   step_random random_;
-  // Where the first stratum begins: straight shadows and strata would else often have edges in
-  // common, and errors would be none or rare and large.
-  double shift_;
-  int index_ = 0;
+  // Where the next stratum begins, going round. The first begins anywhere: straight shadows and
+  // strata would else often have edges in common, and errors would be none or rare and large.
+  std::uint32_t stratum_;
 };
 
 /// Mean of pairs of samples, each pair from a stratum of its own, and the square of its standard
@@ -108,14 +157,20 @@ int get_step_samples(double rays, std::size_t steps, int least) {
 }
 
 pair_sums sample_step(const light_scene& scene, const surface_sampler& surface,
-                      const lit_step& step, int count, int block, std::uint32_t seed) {
+                      const point_pool* pool, const lit_step& step, int count, int block,
+                      std::uint32_t seed) {
   constexpr int size = qv_ray_packet::size;
-  paired_points points(surface, count, step_random(seed, step.step, block));
+  paired_points points(surface, pool, count, step_random(seed, step.step, block));
   pair_sums sums;
   qv_ray_packet packet;
   packet.count = size;
   for (int done = 0; done < count; done += size) {
-    for (int i = 0; i < size; ++i) packet.set_ray(i, points.get_next(), step.direction);
+    for (int i = 0; i < size; i += 2) {
+      points.take_pair([&](const qv_3dvector& first, const qv_3dvector& second) {
+        packet.set_ray(i, first, step.direction);
+        packet.set_ray(i + 1, second, step.direction);
+      });
+    }
     scene.tracer->find_light(packet, scene.get_transmission(), true);
     for (int i = 0; i < size; i += 2) sums.add(packet.light[i], packet.light[i + 1]);
   }
@@ -128,16 +183,17 @@ double square(double value) {
 
 pair_sums sample_way(const mirrors& over, const surface_sampler& surface, const qv_3dvector& normal,
                      const lit_step& step, std::int64_t way, int count, step_random random) {
-  paired_points points(surface, count, random);
+  paired_points points(surface, nullptr, count, random);
   pair_sums sums;
-  const auto sample = [&] {
+  const auto sample = [&](const qv_3dvector& point) {
     qv_3dvector seen_at;
-    const float light = over.get_light(points.get_next(), normal, step.direction, way, seen_at);
+    const float light = over.get_light(point, normal, step.direction, way, seen_at);
     return light > 0 ? light * normal.dot(seen_at) : 0.0f;
   };
   for (int i = 0; i < count; i += 2) {
-    const double first = sample();
-    sums.add(first, sample());
+    points.take_pair([&](const qv_3dvector& first, const qv_3dvector& second) {
+      sums.add(sample(first), sample(second));
+    });
   }
   return sums;
 }
@@ -163,6 +219,11 @@ step_estimates estimate_beam(const light_scene& scene, const surface_sampler& su
     return found;
   }
 
+  std::optional<point_pool> pool;
+  if (step_samples <= point_pool::most_samples &&
+      static_cast<double>(step_samples) * static_cast<double>(front.size()) >
+          2.0 * point_pool::size)
+    pool.emplace(surface, step_random(effort.seed, -1, 0));
   // Without an error bound all samples of a step are stratified together.
   std::vector<pair_sums> sums(front.size());
   int next = effort.error > 0 ? least_step_samples : step_samples;
@@ -172,7 +233,8 @@ step_estimates estimate_beam(const light_scene& scene, const surface_sampler& su
     found.sum_variance = 0;
     for (std::size_t k = 0; k < front.size(); ++k) {
       const lit_step& step = lit[front[k]];
-      sums[k].add(sample_step(scene, surface, step, next, block, effort.seed));
+      sums[k].add(
+          sample_step(scene, surface, pool ? &*pool : nullptr, step, next, block, effort.seed));
       const double weight = step.irradiation * normal.dot(step.direction);
       weighted_sum += weight * sums[k].get_mean();
       found.sum_variance += square(weight) * sums[k].get_variance();

@@ -18,15 +18,10 @@ namespace {
 constexpr std::size_t most_facings = 64;
 /// Length of the difference between normals that count as one direction, 0.06°.
 constexpr float facing_width = 1e-3f;
-/// Cosine below which a node is looked for as if it stood this high above the surface: the
-/// visibility of a sun that grazes the surface is wanted, not that of a node behind it.
-constexpr float least_node_cosine = 0.02f;
-/// Lots from which the nodes are drawn; with at most some 300 nodes each has one.
-constexpr int lot_count = 2048;
-/// Part of the lots that is dealt out evenly, so that every step gets its share.
-constexpr double even_share = 0.3;
 /// Paths of each set after which the error is looked at for the first time.
 constexpr int first_paths = 32;
+/// Sequences of a path's first surfaces that are prepared for all paths.
+constexpr std::size_t kept_scramblings = 8;
 /// Surfaces that a path may go straight through, so that none goes on for ever.
 constexpr int most_surfaces = 256;
 /// Seeds of what is diced apart from the sequences.
@@ -35,10 +30,14 @@ constexpr std::uint32_t survival_seed = 0x73757276u;
 /// Paths that carry less than this are ended at random, and those that go on count more.
 constexpr float least_weight = 0.02f;
 
-qv_3dvector get_any_perpendicular(const qv_3dvector& normal) {
-  const qv_3dvector other =
-      std::fabs(normal.x) < 0.7f ? qv_3dvector(1, 0, 0) : qv_3dvector(0, 1, 0);
-  return normal.cross(other).normalized();
+/// Two unit vectors at right angles to the unit vector `normal` and to each other: T. Duff et al.,
+/// Building an orthonormal basis, revisited, 2017.
+std::array<qv_3dvector, 2> get_perpendiculars(const qv_3dvector& normal) {
+  const float sign = std::copysign(1.0f, normal.z);
+  const float a = -1 / (sign + normal.z);
+  const float b = normal.x * normal.y * a;
+  return {qv_3dvector(1 + sign * normal.x * normal.x * a, sign * b, -sign * normal.x),
+          qv_3dvector(b, sign + normal.y * normal.y * a, -normal.y)};
 }
 
 /// Direction about `normal`, distributed as its cosine.
@@ -48,6 +47,11 @@ qv_3dvector get_cosine_direction(const qv_3dvector& normal, const qv_3dvector& f
   const float turn = 2 * std::numbers::pi_v<float> * v;
   return first * (radius * std::cos(turn)) + second * (radius * std::sin(turn)) +
          normal * std::sqrt(std::max(0.0f, 1 - u));
+}
+
+/// The sequence of starts (number 0) and those of what happens at a path's first, second… surface.
+scrambling make_scrambling(std::uint32_t set_seed, std::size_t number) {
+  return scrambling(combine_seeds(set_seed, static_cast<std::uint32_t>(number)));
 }
 
 }  // namespace
@@ -66,9 +70,13 @@ light_paths::light_paths(const light_scene& scene, const surface_sampler& surfac
       normal_(normal),
       depth_(depth),
       seed_(seed),
+      axes_(get_perpendiculars(normal)),
       mirrors_(scene, depth - 1) {
-  axes_[0] = get_any_perpendicular(normal);
-  axes_[1] = normal.cross(axes_[0]);
+  for (std::size_t set = 0; set < set_count; ++set) {
+    const std::uint32_t set_seed = combine_seeds(seed_, static_cast<std::uint32_t>(set));
+    for (std::size_t i = 0; i < kept_scramblings; ++i)
+      scramblings_[set].push_back(make_scrambling(set_seed, i));
+  }
   add_facing(qv_3dvector(), false);
 }
 
@@ -88,7 +96,8 @@ void light_paths::run(int rays, float error) {
 
 void light_paths::follow(int set, std::uint32_t index) {
   const std::uint32_t set_seed = combine_seeds(seed_, static_cast<std::uint32_t>(set));
-  const auto start = get_sequence_point(index, set_seed);
+  const std::vector<scrambling>& scramblings = scramblings_[static_cast<std::size_t>(set)];
+  const auto start = get_sequence_point(index, scramblings[0]);
   qv_ray ray(surface_.get_point(start[0], start[3], fineness_),
              get_cosine_direction(normal_, axes_[0], axes_[1], start[1], start[2]));
   float weight = 1;
@@ -116,8 +125,10 @@ void light_paths::follow(int set, std::uint32_t index) {
     const float sum = straight + mirrored + reflected + transmitted;
     if (!(sum > 0)) return;
 
+    const auto at_surface = static_cast<std::size_t>(surfaces) + 1;
     const auto dice = get_shuffled_sequence_point(
-        index, combine_seeds(set_seed, 1 + static_cast<std::uint32_t>(surfaces)));
+        index, at_surface < kept_scramblings ? scramblings[at_surface]
+                                             : make_scrambling(set_seed, at_surface));
     const std::uint32_t dice_number = index * most_surfaces + static_cast<std::uint32_t>(surfaces);
     weight *= sum;
     float choice = dice[2] * sum;
@@ -144,9 +155,9 @@ void light_paths::follow(int set, std::uint32_t index) {
       if (to_unit(combine_seeds(set_seed ^ survival_seed, dice_number)) >= survival) return;
       weight = least_weight;
     }
-    const qv_3dvector first = get_any_perpendicular(side);
+    const auto [first, second] = get_perpendiculars(side);
     ray.origin = at.point;
-    ray.direction = get_cosine_direction(side, first, side.cross(first), dice[0], dice[1]);
+    ray.direction = get_cosine_direction(side, first, second, dice[0], dice[1]);
   }
 }
 
@@ -154,7 +165,8 @@ void light_paths::follow(int set, std::uint32_t index) {
 
 void light_paths::gather_sun(const vertex& at, int set, float jitter) {
   constexpr int size = qv_ray_packet::size;
-  facing& seen = facings_[find_facing(at.normal)];
+  facing& found = facings_[find_facing(at.normal)];
+  const sun_facing& seen = *found.to_sun;
   if (seen.lots.empty()) return;
 
   qv_ray_packet packet;
@@ -162,8 +174,8 @@ void light_paths::gather_sun(const vertex& at, int set, float jitter) {
   float weights[size];
   for (int i = 0; i < size; ++i) {
     const auto lot = static_cast<std::size_t>((static_cast<float>(i) + jitter) *
-                                              (static_cast<float>(lot_count) / size));
-    const int node = seen.lots[std::min<std::size_t>(lot, lot_count - 1)];
+                                              (static_cast<float>(sun_facing::lot_count) / size));
+    const int node = seen.lots[std::min<std::size_t>(lot, sun_facing::lot_count - 1)];
     const qv_3dvector& direction = seen.directions[static_cast<std::size_t>(node)];
     const float cosine = seen.has_cosine ? 1 : direction.dot(at.normal);
     if (!(cosine > 0)) continue;
@@ -178,7 +190,7 @@ void light_paths::gather_sun(const vertex& at, int set, float jitter) {
   scene_.tracer->find_light(packet, scene_.get_transmission(), false);
   for (int i = 0; i < packet.count; ++i) {
     const auto place = static_cast<std::size_t>(nodes[i]) * set_count;
-    seen.values[place + static_cast<std::size_t>(set)] += weights[i] * packet.light[i];
+    found.values[place + static_cast<std::size_t>(set)] += weights[i] * packet.light[i];
   }
 }
 
@@ -187,21 +199,23 @@ void light_paths::gather_sun(const vertex& at, int set, float jitter) {
 void light_paths::gather_mirrored_sun(const vertex& at, int set, std::uint32_t dice) {
   facing& any = facings_.front();
   const double ways = mirrors_.get_way_count();
-  if (ways == 0 || any.lots.empty()) return;
+  const sun_facing& to_sun = *any.to_sun;
+  if (ways == 0 || to_sun.lots.empty()) return;
 
   const auto way = static_cast<std::int64_t>(to_unit(dice) * ways);
-  const std::uint32_t lot = mix_bits(dice) % lot_count;
-  const auto node = static_cast<std::size_t>(any.lots[lot]);
+  const std::uint32_t lot = mix_bits(dice) % sun_facing::lot_count;
+  const auto node = static_cast<std::size_t>(to_sun.lots[lot]);
   qv_3dvector seen_at;
   const float light = mirrors_.get_light(at.point, at.normal, scene_.sun.nodes[node], way, seen_at);
   if (!(light > 0)) return;
   any.values[node * set_count + static_cast<std::size_t>(set)] +=
-      at.weight * light * at.normal.dot(seen_at) * static_cast<float>(ways) * any.lot_weights[node];
+      at.weight * light * at.normal.dot(seen_at) * static_cast<float>(ways) *
+      to_sun.lot_weights[node];
 }
 
 std::size_t light_paths::find_facing(const qv_3dvector& normal) {
   for (std::size_t i = 1; i < facings_.size(); ++i) {
-    const qv_3dvector difference = facings_[i].normal - normal;
+    const qv_3dvector difference = facings_[i].to_sun->normal - normal;
     if (difference.dot(difference) < facing_width * facing_width) return i;
   }
   if (facings_.size() == most_facings) return 0;
@@ -210,57 +224,8 @@ std::size_t light_paths::find_facing(const qv_3dvector& normal) {
 }
 
 void light_paths::add_facing(const qv_3dvector& normal, bool has_cosine) {
-  const std::size_t node_count = scene_.sun.nodes.size();
-  facing made;
-  made.normal = normal;
-  made.has_cosine = has_cosine;
-  made.masses.assign(node_count, 0);
-  made.directions = scene_.sun.nodes;
-  made.values.assign(node_count * set_count, 0);
-
-  std::vector<bool> used(node_count, false);
-  for (const lit_step& step : scene_.sun.lit) {
-    const float cosine = has_cosine ? normal.dot(step.direction) : 1;
-    if (!(cosine > 0)) continue;
-    for (const node_weight& share : step.nodes) {
-      if (!(share.weight > 0)) continue;
-      const auto node = static_cast<std::size_t>(share.node);
-      used[node] = true;
-      made.masses[node] += step.irradiation * cosine * share.weight;
-    }
-  }
-  if (has_cosine && !scene_.sun.exact_nodes) {
-    for (qv_3dvector& direction : made.directions) {
-      const float missing = least_node_cosine - direction.dot(normal);
-      if (missing > 0) direction = (direction + normal * missing).normalized();
-    }
-  }
-
-  double mass = 0;
-  int used_count = 0;
-  for (std::size_t i = 0; i < node_count; ++i) {
-    mass += made.masses[i];
-    used_count += used[i] ? 1 : 0;
-  }
-  if (used_count > 0) {
-    // Every node in use has a lot, whatever the rounding of its share.
-    double position = 0;
-    const double free_lots = lot_count - used_count;
-    made.lot_weights.assign(node_count, 0);
-    for (std::size_t i = 0; i < node_count; ++i) {
-      if (!used[i]) continue;
-      const double share =
-          (1 - even_share) * (mass > 0 ? made.masses[i] / mass : 1.0 / used_count) +
-          even_share / used_count;
-      position += share * free_lots + 1;
-      const int end = std::min(lot_count, static_cast<int>(std::lround(position)));
-      const int lots = end - static_cast<int>(made.lots.size());
-      if (lots <= 0) continue;
-      made.lots.resize(static_cast<std::size_t>(end), static_cast<int>(i));
-      made.lot_weights[i] = static_cast<float>(lot_count) / static_cast<float>(lots);
-    }
-  }
-  facings_.push_back(std::move(made));
+  facings_.push_back({scene_.facings->get(normal, has_cosine),
+                      std::vector<float>(scene_.sun.nodes.size() * set_count, 0.0f)});
 }
 
 // --- results ---
@@ -275,7 +240,7 @@ light_paths::set_values light_paths::get_reflected_sun(std::size_t index) const 
   const lit_step& step = scene_.sun.lit[index];
   std::array<float, set_count> sums{};
   for (const facing& from : facings_) {
-    const float cosine = from.has_cosine ? from.normal.dot(step.direction) : 1;
+    const float cosine = from.to_sun->has_cosine ? from.to_sun->normal.dot(step.direction) : 1;
     if (!(cosine > 0)) continue;
     for (const node_weight& share : step.nodes) {
       const float weight = cosine * share.weight;
@@ -295,7 +260,8 @@ light_paths::set_values light_paths::get_sums() const {
   for (const facing& from : facings_) {
     for (std::size_t node = 0; node < scene_.sun.nodes.size(); ++node)
       for (std::size_t set = 0; set < set_count; ++set)
-        sums[set] += static_cast<double>(from.masses[node]) * from.values[node * set_count + set];
+        sums[set] +=
+            static_cast<double>(from.to_sun->masses[node]) * from.values[node * set_count + set];
   }
   for (std::size_t set = 0; set < set_count; ++set)
     sums[set] += scene_.sun.diffuse_sum * (direct_sky_[set] + reflected_sky_[set]);
@@ -303,11 +269,15 @@ light_paths::set_values light_paths::get_sums() const {
 }
 
 set_mean::set_mean(const light_paths::set_values& values) {
-  for (double value : values) mean += value;
-  mean /= light_paths::set_count;
-  double squares = 0;
-  for (double value : values) squares += (value - mean) * (value - mean);
-  variance = squares / (light_paths::set_count - 1) / light_paths::set_count;
+  // Four sums at a time, which do not wait for each other.
+  constexpr std::size_t lanes = 4;
+  std::array<double, lanes> sums{}, squares{};
+  for (std::size_t i = 0; i < values.size(); ++i) sums[i % lanes] += values[i];
+  mean = ((sums[0] + sums[1]) + (sums[2] + sums[3])) / light_paths::set_count;
+  for (std::size_t i = 0; i < values.size(); ++i)
+    squares[i % lanes] += (values[i] - mean) * (values[i] - mean);
+  variance = ((squares[0] + squares[1]) + (squares[2] + squares[3])) /
+             (light_paths::set_count - 1) / light_paths::set_count;
 }
 
 }  // namespace qv::light

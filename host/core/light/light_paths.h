@@ -1,11 +1,14 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <vector>
 
 #include "core/light/beam.h"
 #include "core/light/light_scene.h"
 #include "core/light/mirrors.h"
+#include "core/light/sample_sequence.h"
+#include "core/light/sun_facing.h"
 #include "core/light/surface_sampler.h"
 
 namespace qv::light {
@@ -51,15 +54,11 @@ class light_paths {
   set_values get_sums() const;
 
  private:
-  /// Surfaces that face into one direction: what they reflect of the sun towards the receiver.
+  /// What surfaces that face into one direction reflect of the sun towards the receiver.
   struct facing {
-    qv_3dvector normal;
-    bool has_cosine = false;              // the cosine of incidence is not in the values yet
-    std::vector<float> masses;            // by node: irradiation times cosine of its steps
-    std::vector<qv_3dvector> directions;  // by node: where to look for it from these surfaces
-    std::vector<int> lots;                // node numbers, each as often as it is to be chosen
-    std::vector<float> lot_weights;       // by node: number of lots over its share of them
-    std::vector<float> values;            // by node and set
+    std::shared_ptr<const sun_facing> to_sun;
+    /// By node and set; of a facing that has the cosine still to count, without it.
+    std::vector<float> values;
   };
   struct vertex;
 
@@ -73,11 +72,12 @@ class light_paths {
   const light_scene& scene_;
   const surface_sampler& surface_;
   qv_3dvector normal_;
-  qv_3dvector axes_[2];
   int depth_;
   std::uint32_t seed_;
   int fineness_ = 0;
+  std::array<qv_3dvector, 2> axes_;
   mirrors mirrors_;
+  std::array<std::vector<scrambling>, set_count> scramblings_;
   int paths_per_set_ = 0;
   double path_rays_ = 0;
   double sun_rays_ = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <mutex>
+#include <utility>
 
 #include "core/items/qv_scene.h"
 #include "core/light/qv_raytracer.h"
@@ -61,13 +62,13 @@ void add_mirror(std::vector<qv_3dvector>& normals, qvi_mesh* mesh, const surface
   }
 }
 
-light_scene make_light_scene(qv_scene* scene, const qvi_sun* sun, const std::string& layer_name,
-                             qv_spectrum spectrum) {
-  light_scene made;
+void fill_light_scene(light_scene& made, qv_scene* scene, const qvi_sun* sun,
+                      const std::string& layer_name, qv_spectrum spectrum) {
   qv_raytracer* tracer = scene->get_raytracer(layer_name);
   tracer->update();
   made.tracer = tracer;
   made.sun = make_sun_plan(sun);
+  made.facings = std::make_unique<sun_facings>(made.sun);
   bool lets_through = false;
   for (qvi_mesh* mesh : tracer->get_meshes()) {
     const surface_optics optics = {read_side(mesh, true, spectrum),
@@ -81,7 +82,6 @@ light_scene make_light_scene(qv_scene* scene, const qvi_sun* sun, const std::str
       add_mirror(made.mirror_normals, mesh, optics);
   }
   if (!lets_through) made.transmission.clear();
-  return made;
 }
 
 /// Keeps the last light of a scene as long as the scene.
@@ -120,8 +120,9 @@ std::shared_ptr<const light_scene> get_light_scene(qv_scene* scene, const qvi_su
   // Whatever changes takes a new date.
   if (keeper->light == nullptr || keeper->date != qv_get_date() || keeper->sun != sun ||
       keeper->layer_name != layer_name || keeper->spectrum != spectrum) {
-    keeper->light =
-        std::make_shared<light_scene>(make_light_scene(scene, sun, layer_name, spectrum));
+    auto light = std::make_shared<light_scene>();
+    fill_light_scene(*light, scene, sun, layer_name, spectrum);
+    keeper->light = std::move(light);
     keeper->sun = sun;
     keeper->layer_name = layer_name;
     keeper->spectrum = spectrum;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/light/sun_facing.h"
 #include "core/light/sun_plan.h"
 #include "core/shapes/qv_spectrum.h"
 #include "utilities/qv_3dvector.h"
@@ -30,13 +31,15 @@ struct side_optics {
 using surface_optics = std::array<side_optics, 2>;
 
 /// Everything in a scene that has to do with light in one spectrum, as plain values, found once for
-/// all receivers. Nothing in it changes any more; any number of threads may read it.
+/// all receivers. Nothing that it says changes any more; any number of threads may read it.
 ///
 /// Coefficients below 0 or not finite count as 0, those of a side whose sum is above 1 are scaled
 /// down to 1. A side without a shader has a shader's default coefficients.
 struct light_scene {
   const qv_raytracer* tracer = nullptr;
   sun_plan sun;
+  /// Made as they are asked for.
+  std::unique_ptr<sun_facings> facings;
   /// By the index of the mesh among the tracer's.
   std::vector<surface_optics> optics;
   /// Direct transmissions by mesh and side, as `qv_raytracer::find_light` takes them.

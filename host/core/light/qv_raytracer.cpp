@@ -489,33 +489,33 @@ void qv_raytracer::find_light(qv_ray_packet& packet, const float* transmission,
   context.passed_mesh.fill(-1);
 
   alignas(32) int valid[size];
-  for (int i = 0; i < size; ++i) {
-    valid[i] = i < packet.count ? -1 : 0;
-    packet.light[i] = i < packet.count ? 1.0f : 0.0f;
-  }
   RTCRay8 query;
+  for (int i = 0; i < size; ++i) {
+    const bool asked = i < packet.count;
+    valid[i] = asked ? -1 : 0;
+    packet.light[i] = asked ? 1.0f : 0.0f;
+    query.tnear[i] = 0;
+    query.time[i] = 0;
+    query.mask[i] = ~0u;
+    query.id[i] = static_cast<unsigned int>(i);
+    query.flags[i] = 0;
+  }
   for (const level& l : kernel_->levels) {
     context.current = &l;
     for (int i = 0; i < size; ++i) {
-      const bool asked = valid[i] != 0;
-      query.org_x[i] = asked ? packet.origin_x[i] - l.centre.x : 0;
-      query.org_y[i] = asked ? packet.origin_y[i] - l.centre.y : 0;
-      query.org_z[i] = asked ? packet.origin_z[i] - l.centre.z : 0;
-      query.dir_x[i] = asked ? packet.direction_x[i] : 0;
-      query.dir_y[i] = asked ? packet.direction_y[i] : 0;
-      query.dir_z[i] = asked ? packet.direction_z[i] : 1;
-      query.tnear[i] = 0;
+      query.org_x[i] = packet.origin_x[i] - l.centre.x;
+      query.org_y[i] = packet.origin_y[i] - l.centre.y;
+      query.org_z[i] = packet.origin_z[i] - l.centre.z;
+      query.dir_x[i] = packet.direction_x[i];
+      query.dir_y[i] = packet.direction_y[i];
+      query.dir_z[i] = packet.direction_z[i];
       query.tfar[i] = farthest_light;
-      query.time[i] = 0;
-      query.mask[i] = ~0u;
-      query.id[i] = static_cast<unsigned int>(i);
-      query.flags[i] = 0;
     }
     rtcOccluded8(valid, l.scene, &context.kernel, &query);
     for (int i = 0; i < size; ++i) {
-      if (valid[i] == 0 || !(query.tfar[i] < 0)) continue;
-      packet.light[i] = 0;
-      valid[i] = 0;
+      const bool dark = valid[i] != 0 && query.tfar[i] < 0;
+      packet.light[i] = dark ? 0 : packet.light[i];
+      valid[i] = dark ? 0 : valid[i];
     }
   }
 }

@@ -15,9 +15,9 @@ class qvi_mesh;
 struct qv_ray_packet {
   static constexpr int size = 8;
 
-  float origin_x[size], origin_y[size], origin_z[size];
+  float origin_x[size] = {}, origin_y[size] = {}, origin_z[size] = {};
   /// Unit directions, towards where the light would come from.
-  float direction_x[size], direction_y[size], direction_z[size];
+  float direction_x[size] = {}, direction_y[size] = {}, direction_z[size] = {};
   /// Result: the share of the light that comes through, 1 where nothing is in the way.
   float light[size];
   int count = 0;

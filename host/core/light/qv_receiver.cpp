@@ -165,8 +165,9 @@ void qv_receiver::compute_sky(const work& with) {
     const auto step = static_cast<std::size_t>(lit[i].step);
     const set_mean sun(paths.get_reflected_sun(i));
     indirect_direct_[step] += static_cast<float>(with.scale * sun.mean);
-    indirect_direct_sigma_[step] = std::hypot(
-        indirect_direct_sigma_[step], static_cast<float>(with.scale * to_sigma(sun.variance)));
+    const float mirrored = indirect_direct_sigma_[step];
+    const auto scattered = static_cast<float>(with.scale * to_sigma(sun.variance));
+    indirect_direct_sigma_[step] = mirrored > 0 ? std::hypot(mirrored, scattered) : scattered;
   }
 }
 

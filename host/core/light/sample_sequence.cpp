@@ -38,14 +38,6 @@ constexpr direction_table make_directions() {
   return table;
 }
 
-constexpr std::uint32_t reverse_bits(std::uint32_t x) {
-  x = ((x >> 1) & 0x55555555u) | ((x & 0x55555555u) << 1);
-  x = ((x >> 2) & 0x33333333u) | ((x & 0x33333333u) << 2);
-  x = ((x >> 4) & 0x0f0f0f0fu) | ((x & 0x0f0f0f0fu) << 4);
-  x = ((x >> 8) & 0x00ff00ffu) | ((x & 0x00ff00ffu) << 8);
-  return (x >> 16) | (x << 16);
-}
-
 /// The four coordinates, their bits in reverse order, for each value of each byte of an index.
 struct byte_table {
   std::uint32_t bits[4][256][dimension_count] = {};
@@ -85,19 +77,19 @@ constexpr std::uint32_t scramble_reversed(std::uint32_t x, std::uint32_t seed) {
 
 }  // namespace
 
-std::array<float, 4> get_sequence_point(std::uint32_t index, std::uint32_t seed) {
+std::array<float, 4> get_sequence_point(std::uint32_t index, const scrambling& by) {
   std::array<float, 4> point{};
   for (std::uint32_t d = 0; d < dimension_count; ++d) {
     const std::uint32_t bits =
         bytes.bits[0][index & 255u][d] ^ bytes.bits[1][(index >> 8) & 255u][d] ^
         bytes.bits[2][(index >> 16) & 255u][d] ^ bytes.bits[3][index >> 24][d];
-    point[d] = to_unit(scramble_reversed(bits, combine_seeds(seed, d)));
+    point[d] = to_unit(scramble_reversed(bits, by.dimensions[d]));
   }
   return point;
 }
 
-std::array<float, 4> get_shuffled_sequence_point(std::uint32_t index, std::uint32_t seed) {
-  return get_sequence_point(scramble_reversed(reverse_bits(index), mix_bits(seed)), seed);
+std::array<float, 4> get_shuffled_sequence_point(std::uint32_t index, const scrambling& by) {
+  return get_sequence_point(scramble_reversed(reverse_bits(index), by.order), by);
 }
 
 }  // namespace qv::light

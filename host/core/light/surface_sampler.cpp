@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "utilities/qv_polygon.h"
 #include "utilities/qv_triangulation.h"
@@ -14,6 +15,8 @@ namespace {
 constexpr int most_halvings = 40;
 /// Strata of 1 / 2^this and larger need no halving of their own.
 constexpr int table_fineness = 5;
+/// Parts of the row for each piece, so that few parts hold more than one piece's beginning.
+constexpr std::size_t parts_per_piece = 4;
 /// Pieces of more complex regions than this are left as they are.
 constexpr std::size_t most_pieces = 4096;
 
@@ -91,50 +94,45 @@ void surface_sampler::refine() {
 
 void surface_sampler::index_pieces() {
   int next = 0;
-  const auto last = static_cast<int>(pieces_.size()) - 1;
-  first_.resize(2 * pieces_.size());
+  const int last = std::max(0, static_cast<int>(pieces_.size()) - 1);
+  first_.resize(parts_per_piece * pieces_.size());
+  parts_ = static_cast<double>(first_.size());
   for (std::size_t i = 0; i < first_.size(); ++i) {
-    const double position = static_cast<double>(i) / static_cast<double>(first_.size());
+    const double position = static_cast<double>(i) / parts_;
     while (next < last && pieces_[static_cast<std::size_t>(next) + 1].begin <= position) ++next;
     first_[i] = next;
   }
+  // Position 1, and the end of the last piece.
+  first_.push_back(last);
+  pieces_.push_back(make_piece({}, {}, {}, std::numeric_limits<double>::infinity(), 1));
 }
 
 qv_3dvector surface_sampler::get_lowest(const qv_3dvector& direction) const {
   qv_3dvector lowest = pieces_.front().apex;
-  for (const piece& p : pieces_)
+  for (std::size_t i = 0; i + 1 < pieces_.size(); ++i) {
+    const piece& p = pieces_[i];
     for (const qv_3dvector& corner : {p.apex, p.apex + p.from, p.apex + p.to})
       if (corner.dot(direction) < lowest.dot(direction)) lowest = corner;
+  }
   return lowest;
 }
 
-qv_3dvector surface_sampler::get_point(double position, float across, int fineness) const {
-  const auto part = static_cast<std::size_t>(position * static_cast<double>(first_.size()));
-  auto index = static_cast<std::size_t>(first_[std::min(part, first_.size() - 1)]);
-  while (index + 1 < pieces_.size() && pieces_[index + 1].begin <= position) ++index;
-  const piece& p = pieces_[index];
-  double rest = std::clamp((position - p.begin) * p.inverse, 0.0, 1.0);
+qv_3dvector surface_sampler::get_halved_point(const piece& p, double along, float across,
+                                              int fineness) {
+  double rest = std::clamp(along, 0.0, 1.0);
   qv_3dvector apex = p.apex, from = p.from, to = p.to;
   const int halvings = std::min(fineness + 1 - p.coarseness, most_halvings);
   for (int i = 0; i < halvings; ++i) {
     const qv_3dvector middle = (from + to) * 0.5f;
     rest *= 2;
-    if (rest < 1) {
-      from = from - middle;
-      to = -middle;
-    } else {
-      from = -middle;
-      to = to - middle;
-      rest -= 1;
-    }
+    // The first half keeps `from` and the second `to`, without a branch on what is random.
+    const float second = rest < 1 ? 0.0f : 1.0f;
+    from = from * (1 - second) - middle;
+    to = to * second - middle;
+    rest -= second;
     apex += middle;
   }
-  // The half of the parallelogram beyond the triangle is turned back onto it.
-  auto along = static_cast<float>(rest);
-  const bool beyond = along + across > 1;
-  along = beyond ? 1 - along : along;
-  across = beyond ? 1 - across : across;
-  return apex + from * along + to * across;
+  return get_point_of(apex, from, to, rest, across);
 }
 
 }  // namespace qv::light

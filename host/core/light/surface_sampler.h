@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "utilities/qv_3dvector.h"
@@ -31,7 +32,13 @@ class surface_sampler {
   /// The point at `position` (0 … 1) of the row, where a stratum is 1 / 2^`fineness` of it; a
   /// uniform `across` (0 … 1) spreads points over pieces of half that size. Both uniform make the
   /// points uniform over the area.
-  qv_3dvector get_point(double position, float across, int fineness) const;
+  qv_3dvector get_point(double position, float across, int fineness) const {
+    const std::size_t index = find_piece(position);
+    const piece& p = pieces_[index];
+    const double along = (position - p.begin) * p.inverse;
+    return fineness < p.coarseness ? get_point_of(p.apex, p.from, p.to, along, across)
+                                   : get_halved_point(p, along, across, fineness);
+  }
 
  private:
   /// A triangle, the longest side of which runs from apex + `from` to apex + `to`.
@@ -47,8 +54,29 @@ class surface_sampler {
   void refine();
   void index_pieces();
 
-  std::vector<piece> pieces_;  // along the row
+  /// Which piece is met at a point is left to chance, so that branches on it cannot be foreseen by
+  /// the processor: one step forward goes without.
+  std::size_t find_piece(double position) const {
+    auto index = static_cast<std::size_t>(first_[static_cast<std::size_t>(position * parts_)]);
+    index += pieces_[index + 1].begin <= position ? 1 : 0;
+    while (pieces_[index + 1].begin <= position) ++index;
+    return index;
+  }
+  static qv_3dvector get_point_of(const qv_3dvector& apex, const qv_3dvector& from,
+                                  const qv_3dvector& to, double position, float across) {
+    auto along = static_cast<float>(position < 1 ? (position > 0 ? position : 0) : 1);
+    // The half of the parallelogram beyond the triangle is turned back onto it.
+    const float beyond = along + across > 1 ? 1.0f : 0.0f;
+    along = beyond + (1 - 2 * beyond) * along;
+    across = beyond + (1 - 2 * beyond) * across;
+    return {apex.x + from.x * along + to.x * across, apex.y + from.y * along + to.y * across,
+            apex.z + from.z * along + to.z * across};
+  }
+  static qv_3dvector get_halved_point(const piece& p, double along, float across, int fineness);
+
+  std::vector<piece> pieces_;  // along the row; one more ends it
   std::vector<int> first_;     // piece in which each of equal parts of the row begins
+  double parts_ = 0;
   double area_ = 0;
 };
 

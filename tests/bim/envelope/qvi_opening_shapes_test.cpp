@@ -221,7 +221,7 @@ class painted_grid {
   void paint(int x0, int z0, int x1, int z1, int layer) {
     for (int x = x0; x < x1; ++x)
       for (int z = z0; z < z1; ++z) {
-        auto& cell = cells_[static_cast<std::size_t>(x * size + z)];
+        auto& cell = cells_[static_cast<std::size_t>(x) * size + static_cast<std::size_t>(z)];
         cell = std::max(cell, layer);
       }
   }
