@@ -12,7 +12,7 @@ inline constexpr std::string_view table_start = "<table width=100% border=0>";
 inline constexpr std::string_view table_end = "</table>";
 
 /// `value` with a fixed number of decimals, rounded as printf's "%.Nf" rounds: `fixed(0.3846f, 3)`
-/// is 0.385. What is not finite reads nan, inf or -inf.
+/// is 0.385. What is not finite reads as there: inf, nan, each with its sign.
 std::string fixed(float value, int decimals);
 
 /// `value` cut to its integer part towards zero: 45 for 45.6, 0 for −0.5.

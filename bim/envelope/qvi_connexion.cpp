@@ -37,6 +37,7 @@ void qvi_connexion::render_opengl(bool) {}
 
 void qvi_connexion::render_opengl_raw() {
   const qv_3dvector ends[2] = {get_point_0(), get_point_1()};
+  if (!ends[0].is_finite() || !ends[1].is_finite()) return;
   glBegin(GL_LINES);
   for (const qv_3dvector& end : ends) glVertex3fv(&end.x);
   glEnd();

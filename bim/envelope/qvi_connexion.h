@@ -73,7 +73,7 @@ class qvi_connexion : public qv_item {
   void precompute() override;
   /// Draws nothing: who shows connexions calls `render_opengl_raw`.
   void render_opengl(bool selection) override;
-  /// The segment as a line, in the current colour and width.
+  /// The segment as a line, in the current colour and width. Nothing when an end is not finite.
   void render_opengl_raw() override;
 
  private:

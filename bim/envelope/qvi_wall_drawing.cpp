@@ -38,10 +38,12 @@ void qvi_wall::render_opengl_transparent(const qv_color& color) {
 
   const qv_3dvector center = get_bounding_box().get_center();
   const qv_3dvector tip = center + get_normal();
-  glBegin(GL_LINES);
-  glVertex3fv(&center.x);
-  glVertex3fv(&tip.x);
-  glEnd();
+  if (center.is_finite() && tip.is_finite()) {
+    glBegin(GL_LINES);
+    glVertex3fv(&center.x);
+    glVertex3fv(&tip.x);
+    glEnd();
+  }
 
   glColor4f(color.r, color.g, color.b, 0.2f);
   glLineWidth(1.0f);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include "bim/materials/qvi_limit_condition.h"
 #include "tests/bim/envelope/qv_meeting.h"
@@ -349,6 +350,14 @@ TEST(qvi_connexion, shows_itself_as_one_line_to_whoever_asks_for_it) {
   m.connexion->render_opengl_raw();
   EXPECT_EQ(gl.calls, std::vector<std::string>{"lines 2"});
   EXPECT_EQ(gl.primitives[0].vertices, (std::vector<qv_3dvector>{{0, 0, 0}, {0, 0, 3}}));
+}
+
+TEST(qvi_connexion, shows_nothing_with_an_end_that_is_nowhere) {
+  meeting m;
+  m.connexion->set_point_1({0, std::numeric_limits<float>::infinity(), 0});
+  qv_test::gl_recorder gl;
+  m.connexion->render_opengl_raw();
+  EXPECT_TRUE(gl.calls.empty());
 }
 
 TEST(qvi_connexion, a_copy_constructed_one_shares_its_record) {

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <limits>
+
 #include "bim/envelope/qvi_wall.h"
 #include "bim/hierarchy/qvi_space.h"
 #include "bim/materials/qvi_composition.h"
@@ -200,6 +203,14 @@ TEST_F(qvi_wall_view, sets_each_state_in_turn) {
                                       "line_width 1", "line_loop 4", "line_loop 4", "lines 2",
                                       "color 1 0 0 0.2", "line_width 1", "triangles 6",
                                       "triangles 6", "enable lighting", "enable depth_test"}));
+}
+
+TEST_F(qvi_wall_view, draws_no_normal_that_is_none) {
+  wall_->set_normal({std::numeric_limits<float>::quiet_NaN(), 0, 0});
+  gl_recorder gl;
+  wall_->render_opengl_transparent({1, 0, 0, 1});
+  EXPECT_EQ(std::count(gl.calls.begin(), gl.calls.end(), "lines 2"), 0);
+  EXPECT_EQ(gl.primitives.size(), 4u);
 }
 
 TEST_F(qvi_wall_view, draws_faces_that_are_hidden_otherwise) {
