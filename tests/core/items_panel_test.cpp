@@ -69,8 +69,9 @@ TEST_F(items_panel, shows_name_type_and_every_parameter_in_declaration_order) {
   std::string html = "<h2>Sonde</h2><table width=100% border=0>";
   std::string text = "name: Sonde\n";
   for (const auto& [label, value] : rows) {
-    html += "<tr><td><b>" + label + "</b></td><td>" + value + "</td></tr>";
-    text += label + ": " + value + "\n";
+    html.append("<tr><td><b>").append(label).append("</b></td><td>").append(value);
+    html.append("</td></tr>");
+    text.append(label).append(": ").append(value).append("\n");
   }
   EXPECT_EQ(item_->get_html_information(), html + "</table>");
   EXPECT_EQ(item_->get_txt_information(), text);
