@@ -49,6 +49,11 @@ class qv_gbxml_constructions {
   };
   /// Nothing when no layer's resistance is known.
   std::optional<panel> get_panel(int number) const;
+  /// The first construction that says the same, itself when there is none.
+  int get_first_alike(int number) const {
+    const int first = constructions_[static_cast<std::size_t>(number)].same_as;
+    return first >= 0 ? first : number;
+  }
   const std::string& get_name(int number) const {
     return constructions_[static_cast<std::size_t>(number)].name;
   }

@@ -143,9 +143,12 @@ qv_gbxml_windows::filling qv_gbxml_windows::read_filling(qv_xml_element opening,
   }
   if (!construction.empty()) {
     f.construction = constructions_.find(construction);
-    if (f.construction < 0)
+    if (f.construction >= 0) {
+      f.construction = constructions_.get_first_alike(f.construction);
+    } else {
       ledger.amend(entry, outcome::repaired,
                    "Construction " + quoted(construction) + " is not in the file");
+    }
   }
   f.own = qv_read_opening_figures(context_, opening);
   if (f.air) {

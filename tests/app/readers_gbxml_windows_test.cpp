@@ -358,6 +358,28 @@ TEST(qv_gbxml_windows, a_doors_construction_becomes_an_opaque_panel) {
   }
 }
 
+TEST(qv_gbxml_windows, doors_of_equal_constructions_share_a_panel) {
+  const auto model =
+      qv_gbxml_text()
+          .head(oak +
+                "<Construction id=\"d\"><Name>oak door</Name>"
+                "<LayerId layerIdRef=\"l\"/></Construction>")
+          .space("a")
+          .surface("w", "ExteriorWall", {"a"},
+                   qv_gbxml_text::planar({{0, 0, 0}, {4, 0, 0}, {4, 0, 3}, {0, 0, 3}}) +
+                       "<Opening id=\"o\" openingType=\"NonSlidingDoor\" " + with_c + ">" +
+                       qv_gbxml_text::planar({{1, 0, 0}, {2, 0, 0}, {2, 0, 2}, {1, 0, 2}}) +
+                       "</Opening><Opening id=\"p\" openingType=\"NonSlidingDoor\" "
+                       "constructionIdRef=\"d\">" +
+                       qv_gbxml_text::planar({{3, 0, 0}, {3.5, 0, 0}, {3.5, 0, 2}, {3, 0, 2}}) +
+                       "</Opening>")
+          .read();
+  const auto doors = qv::qv_collect<qv::qvi_opening>(model.root, "opening");
+  ASSERT_EQ(doors.get_count(), 2);
+  EXPECT_EQ(doors[0]->get_composition(), doors[1]->get_composition());
+  EXPECT_EQ(qv::qv_collect<qv::qvi_opaque>(model.root, "opaque").get_count(), 1);
+}
+
 TEST(qv_gbxml_windows, a_u_value_alone_makes_a_leaf_of_usual_thickness) {
   const auto model = read_with(
       "<Construction id=\"c\"><Name>door</Name><U-value "
