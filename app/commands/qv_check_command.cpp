@@ -2,9 +2,11 @@
 #include <filesystem>
 #include <memory>
 #include <set>
+#include <utility>
 
 #include "app/check/qv_check.h"
 #include "app/commands/qv_commands.h"
+#include "app/commands/qv_context_option.h"
 #include "app/commands/qv_progress.h"
 #include "app/readers/qv_file.h"
 #include "app/readers/qv_gbxml_turn.h"
@@ -22,12 +24,21 @@ struct check_arguments {
   bool fix = false;
   std::string repaired;
   std::string format = "text";
+  qv_context_options context;
 };
 
-std::vector<qv_finding> find(const std::string& name, const std::string& bytes) {
-  const qv_gbxml_model model = qv_read_gbxml_bytes(name, bytes);
+// What the check finds, and what of the context was left out.
+struct check_result {
+  std::vector<qv_finding> findings;
+  std::vector<std::string> notes;
+};
+
+check_result find(const std::string& name, const std::string& bytes,
+                  const qv_context_options& context) {
+  qv_gbxml_model model = qv_read_gbxml_bytes(name, bytes);
+  std::vector<std::string> notes = qv_add_context(model, context);
   qv_compute_model(model, {});
-  return qv_check_model(model).findings;
+  return {qv_check_model(model).findings, std::move(notes)};
 }
 
 // Turns the surfaces that look into their space.
@@ -39,7 +50,7 @@ qv_turned_gbxml repair(const std::string& name, const std::string& bytes,
   return qv_turn_gbxml_surfaces(name, bytes, ids);
 }
 
-qv_findings_report check(const check_arguments& arguments) {
+qv_findings_report check(const check_arguments& arguments, std::vector<std::string>& notes) {
   qv_progress progress;
   const int step_count = arguments.fix ? 3 : 2;
   progress.begin_step(1, step_count, "reading the model");
@@ -47,7 +58,9 @@ qv_findings_report check(const check_arguments& arguments) {
   progress.begin_step(2, step_count, "checking the model");
   qv_findings_report report;
   report.source = arguments.model;
-  report.findings = find(arguments.model, bytes);
+  check_result found = find(arguments.model, bytes, arguments.context);
+  report.findings = std::move(found.findings);
+  notes = std::move(found.notes);
   if (!arguments.fix) return report;
   progress.begin_step(3, step_count, "repairing the model");
   const qv_turned_gbxml turned = repair(arguments.model, bytes, report.findings);
@@ -56,13 +69,15 @@ qv_findings_report check(const check_arguments& arguments) {
   folder.stage(file.filename().string(), turned.text);
   report.repaired_file = arguments.repaired;
   report.turned_count = turned.count;
-  report.findings = find(arguments.repaired, turned.text);
+  report.findings = find(arguments.repaired, turned.text, arguments.context).findings;
   folder.commit();
   return report;
 }
 
 int run_check(const check_arguments& arguments) {
-  const qv_findings_report report = check(arguments);
+  std::vector<std::string> notes;
+  const qv_findings_report report = check(arguments, notes);
+  qv_print_notes(notes);
   qv_print(arguments.format == "json" ? qv_findings_json(report) : qv_findings_text(report));
   return report.findings.empty() ? qv_exit_success : qv_exit_findings;
 }
@@ -81,6 +96,7 @@ void qv_add_check_command(CLI::App& program, qv_command_action& action) {
       ->option_text("MODEL2");
   command->add_option("--format", arguments->format, "text (one line for each finding) or json")
       ->option_text("FORMAT");
+  qv_add_context_options(*command, arguments->context);
   command->footer(
       "Exit code 0 when there is nothing to tell, 1 with findings (with --fix: those left in "
       "MODEL2).\n\n"

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "app/commands/qv_commands.h"
+#include "app/commands/qv_context_option.h"
 #include "app/commands/qv_progress.h"
 #include "app/export/qv_export_gbxml.h"
 #include "app/export/qv_export_gltf.h"
@@ -16,6 +17,7 @@ struct export_arguments {
   std::string model;
   std::string format;
   std::string file;
+  qv_context_options context;
 };
 
 std::string export_text(const std::string& format, const qv_gbxml_model& model) {
@@ -29,13 +31,15 @@ int run_export(const export_arguments& arguments) {
   const std::filesystem::path file = arguments.file;
   // Before the work, so that a wrong place is told at once.
   qv_output_folder folder(file.has_parent_path() ? file.parent_path() : ".");
+  std::vector<std::string> notes;
   {
     qv_progress progress;
     const auto announce = [&progress](int step, int count, const char* what) {
       progress.begin_step(step, count, what);
     };
     announce(1, 4, "reading the model");
-    const qv_gbxml_model model = qv_read_gbxml(arguments.model);
+    qv_gbxml_model model = qv_read_gbxml(arguments.model);
+    notes = qv_add_context(model, arguments.context);
     // Geometry keeps the axes of its file, which says how they lie to north; the text of the model
     // is that of a study.
     qv_study_options options;
@@ -45,6 +49,7 @@ int run_export(const export_arguments& arguments) {
     folder.stage(file.filename().string(), export_text(arguments.format, model));
   }
   folder.commit();
+  qv_print_notes(notes);
   qv_print("Written to " + arguments.file + "\n");
   return qv_exit_success;
 }
@@ -68,6 +73,7 @@ void qv_add_export_command(CLI::App& program, qv_command_action& action) {
   command->add_option("--out", arguments->file, "The file to write")
       ->required()
       ->option_text("FILE");
+  qv_add_context_options(*command, arguments->context);
   command->footer(
       "Examples:\n"
       "  qv export house.xml --format gltf --out house.gltf\n"

@@ -61,9 +61,11 @@ std::string info_text(const std::string& path, const qv_gbxml_model& model) {
   text += line("written by", model.program);
   text += line("units", units_text(model.units));
   text += line("site", location_text(qv_gather_location(model)));
-  text += line("holds", fmt::format("buildings {}, storeys {}, zones {}, spaces {} ({} closed)",
+  text += line("holds", fmt::format("buildings {}, storeys {}, zones {}, spaces {} ({} closed), "
+                                    "objects {}",
                                     model.building_count, model.storeys.size(), model.zones.size(),
-                                    model.spaces.size(), closed));
+                                    model.spaces.size(), closed,
+                                    model.scene->get_items("bim_object").get_count()));
   text += line("area", stated_text(model, &qv_source_space::stated_area, "m²"));
   text += line("volume", stated_text(model, &qv_source_space::stated_volume, "m³"));
   text += "\n" + qv_ledger_summary(qv_gather_ledger(model.ledger));

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "app/commands/qv_context_option.h"
 #include "app/commands/qv_interrupt.h"
 #include "app/commands/qv_progress.h"
 #include "app/commands/qv_solar_options.h"
@@ -48,6 +49,7 @@ int run_solar(const solar_arguments& arguments) {
       progress.begin_step(step, count, what);
     });
   }
+  qv_print_notes(study.context_notes);
   const qv_surface_sun* sun = find_sun(study, id);
   if (sun == nullptr) {
     throw qv_input_error(
@@ -76,6 +78,7 @@ void qv_add_solar_command(CLI::App& program, qv_command_action& action) {
   command->add_option("--surface", solar.only, "Id of the wall or opening")
       ->required()
       ->option_text("ID");
+  qv_add_context_options(*command, arguments->study.context);
   qv_add_solar_options(*command, solar);
   command->add_flag("--hourly", arguments->hourly, "Every hour (CSV) instead of the months");
   command->footer(

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "app/commands/qv_commands.h"
+#include "app/commands/qv_context_option.h"
 #include "app/commands/qv_interrupt.h"
 #include "app/commands/qv_progress.h"
 #include "app/commands/qv_solar_options.h"
@@ -130,6 +131,7 @@ void qv_add_study_command(CLI::App& program, qv_command_action& action) {
                    "Catalogue of ψ values for the thermal bridges,\n"
                    "JSON or CSV; indicative values without")
       ->option_text("FILE");
+  qv_add_context_options(*command, arguments->study.context);
   qv_add_solar_options(*command, arguments->study.solar);
   command->add_flag("--no-solar", arguments->no_solar, "Leave out the sun");
   command
@@ -141,6 +143,7 @@ void qv_add_study_command(CLI::App& program, qv_command_action& action) {
       "and solar.csv into DIR, all or none, and prints a summary.\n\n"
       "Examples:\n"
       "  qv study house.xml --out results\n"
+      "  qv study house.xml --out results --context street.obj\n"
       "  qv study house.xml --out results --weather lyon.epw --quality fine\n"
       "  qv study campus.xml --out results --regroup --rename-spaces\n"
       "  qv study block.xml --out results --glazing-ratio 0.25 --glazing-ratio-south 0.4");

@@ -19,6 +19,7 @@
 #include "bim/hierarchy/qvi_campus.h"
 #include "bim/hierarchy/qvi_space.h"
 #include "bim/hierarchy/qvi_zone.h"
+#include "bim/imported/qvi_bim_object.h"
 #include "bim/materials/qvi_composition.h"
 #include "bim/materials/qvi_limit_condition.h"
 #include "bim/materials/qvi_material.h"
@@ -75,6 +76,17 @@ std::vector<contour> list_contours(const qvi_polygon& face) {
   return contours;
 }
 
+std::vector<contour> list_triangles(qvi_mesh& mesh) {
+  std::vector<contour> triangles;
+  const qv_triangulation all = mesh.copy_triangles();
+  for (int i = 0; i + 2 < all.triangles.get_count(); i += 3) {
+    const contour points = {all.vertices[all.triangles[i]], all.vertices[all.triangles[i + 1]],
+                            all.vertices[all.triangles[i + 2]]};
+    if (area_vector(points).length() > 0) triangles.push_back(points);
+  }
+  return triangles;
+}
+
 const qvi_polygon* find_face(const qvi_wall& wall) {
   for (const qvi_polygon* face : {wall.get_face_0(), wall.get_face_1(), wall.get_face()})
     if (face != nullptr) return face;
@@ -84,6 +96,14 @@ const qvi_polygon* find_face(const qvi_wall& wall) {
 // Light passes where nothing is: such a face is in no layer of the simulation.
 bool is_air(const qvi_polygon& face) {
   return !face.get_raytracing_layers().contains("simulation");
+}
+
+// The word that made the object, "Shade" for one that comes from elsewhere.
+const char* choose_object_type(const qvi_bim_object& object) {
+  bool guessed = false;
+  const qv_surface_type type = qv_find_surface_type(object.get_source_type(), guessed);
+  const bool known = !guessed && qv_is_object_type(type);
+  return qv_get_surface_type_name(known ? type : qv_surface_type::shade);
 }
 
 // The word from which the reader makes the same type of wall.
@@ -190,6 +210,8 @@ class exporter {
       }
       for (qv_item* item : scene_.get_items("wall"))
         if (stands_in(item, campus, i == 0)) write_wall(static_cast<qvi_wall&>(*item));
+      for (qv_item* item : scene_.get_items("bim_object"))
+        if (stands_in(item, campus, i == 0)) write_object(static_cast<qvi_bim_object&>(*item));
       xml_.end();
     }
   }
@@ -253,27 +275,55 @@ class exporter {
     xml_.end();
   }
 
+  // A wall that shows an object's face is written with the object.
   void write_wall(qvi_wall& wall) {
     const qvi_polygon* const face = find_face(wall);
-    if (face == nullptr) return;
+    if (face == nullptr || qvi_bim_object::root_ascendant(wall.get_face_0()) != nullptr) return;
     const char* const type = qv_get_surface_type_name(choose_surface_type(wall, *face));
-    const std::vector<contour> contours = list_contours(*face);
-    for (std::size_t i = 0; i < contours.size(); ++i) {
-      const std::string number = i == 0 ? "" : "-part-" + std::to_string(i + 1);
-      xml_.begin("Surface", {{"id", wall.get_unique_id() + number},
-                             {"surfaceType", type},
-                             {"constructionIdRef", construction_of(wall)}});
-      xml_.leaf("Name", wall.get_name());
+    int count = 0;
+    for (const contour& points : list_contours(*face)) {
+      begin_surface(wall, ++count, type, construction_of(wall));
       for (const qvi_space* space : {wall.get_space_0(), wall.get_space_1()}) {
         if (space == nullptr) continue;
         xml_.begin("AdjacentSpaceId", {{"spaceIdRef", space->get_unique_id()}});
         xml_.end();
       }
-      write_geometry(contours[i], wall.get_normal());
-      if (i == 0)
+      write_geometry(points, wall.get_normal());
+      if (count == 1)
         for (qvi_opening* opening : wall.get_openings()) write_opening(*opening);
       xml_.end();
     }
+  }
+
+  // The flat faces of an object, or the triangles of what has none, bound nothing.
+  void write_object(qvi_bim_object& object) {
+    const char* const type = choose_object_type(object);
+    int count = 0;
+    for (qvi_mesh* mesh : qv_collect<qvi_mesh>(&object, "mesh")) {
+      if (mesh->get_raytracing_layers().contains("footprint")) continue;
+      const qv_list<qv_item*> walls = scene_.get_referrers("wall", "face_0", mesh);
+      const qvi_wall* wall = walls.is_empty() ? nullptr : static_cast<qvi_wall*>(walls[0]);
+      bool first = true;
+      for (const contour& points : mesh->has_type("polygon")
+                                       ? list_contours(static_cast<qvi_polygon&>(*mesh))
+                                       : list_triangles(*mesh)) {
+        begin_surface(object, ++count, type, wall == nullptr ? "" : construction_of(*wall));
+        write_geometry(points, area_vector(points));
+        if (first && wall != nullptr)
+          for (qvi_opening* opening : wall->get_openings()) write_opening(*opening);
+        first = false;
+        xml_.end();
+      }
+    }
+  }
+
+  // The surface of an item; `part` counts from 1 where it has several.
+  void begin_surface(qv_item& item, int part, const char* type, const std::string& construction) {
+    const std::string number = part == 1 ? "" : "-part-" + std::to_string(part);
+    xml_.begin("Surface", {{"id", item.get_unique_id() + number},
+                           {"surfaceType", type},
+                           {"constructionIdRef", construction}});
+    xml_.leaf("Name", item.get_name());
   }
 
   void write_opening(qvi_opening& opening) {

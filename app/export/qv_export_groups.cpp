@@ -5,6 +5,7 @@
 
 #include "bim/envelope/qvi_opening.h"
 #include "bim/envelope/qvi_wall.h"
+#include "bim/imported/qvi_bim_object.h"
 #include "core/shapes/qvi_polygon.h"
 
 namespace qv {
@@ -72,9 +73,11 @@ class collector {
     std::unordered_set<const qv_item*> seen;
     for (qvi_polygon* face :
          {wall.get_pierced_face(), wall.get_pierced_face_0(), wall.get_pierced_face_1()})
-      if (face != nullptr && seen.insert(face).second)
+      if (face != nullptr && qvi_bim_object::root_ascendant(face) == nullptr &&
+          seen.insert(face).second)
         append(group.triangles, face->copy_triangles());
-    if (seen.empty() && wall.get_face() != nullptr)
+    if (seen.empty() && wall.get_face() != nullptr &&
+        qvi_bim_object::root_ascendant(wall.get_face()) == nullptr)
       append(group.triangles, wall.get_face()->copy_triangles());
     finish(std::move(group), &wall);
   }

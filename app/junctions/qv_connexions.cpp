@@ -1,11 +1,13 @@
 #include "app/junctions/qv_connexions.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 #include "bim/envelope/qvi_connexion.h"
 #include "bim/envelope/qvi_wall.h"
 #include "bim/hierarchy/qvi_space.h"
+#include "bim/imported/qvi_bim_object.h"
 #include "core/items/qv_scene.h"
 #include "core/shapes/qvi_polygon.h"
 
@@ -30,22 +32,18 @@ bool bounds_space(const qvi_wall* wall) {
   return wall->get_space_0() != nullptr || wall->get_space_1() != nullptr;
 }
 
-qv_item* campus_or_scene(const qvi_wall* wall, qv_scene& scene) {
-  for (qv_item* above = wall->get_parent(); above != nullptr; above = above->get_parent()) {
+qv_item* campus_or_scene(const qv_item* item, qv_scene& scene) {
+  for (qv_item* above = item->get_parent(); above != nullptr; above = above->get_parent()) {
     if (above->has_type("campus")) return above;
   }
   return &scene;
 }
 
-}  // namespace
-
-qv_wall_outline qv_outline_of(const qvi_wall& wall) {
+qv_wall_outline outline_of(const qvi_polygon& face) {
   qv_wall_outline outline;
-  const qvi_polygon* face = outline_face(wall);
-  if (face == nullptr) return outline;
-  const qv_list<qv_3dvector>& vertices = face->get_vertices();
+  const qv_list<qv_3dvector>& vertices = face.get_vertices();
   int next = 0;
-  for (const unsigned int size : face->get_contour_sizes()) {
+  for (const unsigned int size : face.get_contour_sizes()) {
     auto& contour = outline.contours.emplace_back();
     for (unsigned int i = 0; i < size && next < vertices.get_count(); ++i)
       contour.emplace_back(vertices[next++]);
@@ -53,7 +51,75 @@ qv_wall_outline qv_outline_of(const qvi_wall& wall) {
   return outline;
 }
 
+// A flat face of an object, and the object.
+struct object_face {
+  const qvi_bim_object* object;
+  qvi_polygon* face;
+};
+
+// Faces of objects that no wall shows yet.
+std::vector<object_face> list_object_faces(qv_scene& scene) {
+  std::vector<object_face> faces;
+  for (qv_item* item : scene.get_items("bim_object"))
+    for (qvi_polygon* face : qv_collect<qvi_polygon>(item, "polygon"))
+      if (!face->get_raytracing_layers().contains("footprint") &&
+          scene.get_referrers("wall", "", face).is_empty())
+        faces.push_back({static_cast<const qvi_bim_object*>(item), face});
+  return faces;
+}
+
+// Vertical component of a unit normal from which on a face lies rather than stands (45°).
+constexpr float half_level = 0.7071f;
+
+void add_wall_of(const object_face& from, qv_scene& scene) {
+  auto* wall = new qvi_wall;
+  wall->set_name(from.object->get_name());
+  if (!from.object->get_source_id().empty()) wall->set_source_ids({from.object->get_source_id()});
+  wall->set_wall_type(std::fabs(from.face->get_normal().z) > half_level
+                          ? qvi_wall::wall_type::floor
+                          : qvi_wall::wall_type::wall);
+  wall->set_normal(from.face->get_normal());
+  wall->set_face_0(from.face);
+  wall->set_face_1(from.face);
+  campus_or_scene(from.object, scene)->add_child(wall, -1);
+}
+
+// Walls for the objects that meet the envelope: without one a balcony's edge would pass for that of
+// a plain floor.
+void add_walls_of_objects(qv_scene& scene) {
+  const std::vector<object_face> faces = list_object_faces(scene);
+  if (faces.empty()) return;
+  const qv_list<qv_item*> walls = scene.get_items("wall");
+  const auto wall_count = static_cast<std::size_t>(walls.get_count());
+  std::vector<qv_wall_outline> outlines;
+  for (const qv_item* wall : walls)
+    outlines.push_back(qv_outline_of(static_cast<const qvi_wall&>(*wall)));
+  for (const object_face& from : faces) outlines.push_back(outline_of(*from.face));
+  std::vector<bool> meets(faces.size(), false);
+  for (const qv_junction& junction : qv_find_junctions(outlines)) {
+    const bool of_envelope =
+        std::any_of(junction.branches.begin(), junction.branches.end(), [&](const auto& branch) {
+          return static_cast<std::size_t>(branch.wall) < wall_count &&
+                 bounds_space(static_cast<const qvi_wall*>(walls[branch.wall]));
+        });
+    if (!of_envelope) continue;
+    for (const qv_junction_branch& branch : junction.branches)
+      if (const auto rank = static_cast<std::size_t>(branch.wall); rank >= wall_count)
+        meets[rank - wall_count] = true;
+  }
+  for (std::size_t i = 0; i < faces.size(); ++i)
+    if (meets[i]) add_wall_of(faces[i], scene);
+}
+
+}  // namespace
+
+qv_wall_outline qv_outline_of(const qvi_wall& wall) {
+  const qvi_polygon* face = outline_face(wall);
+  return face == nullptr ? qv_wall_outline() : outline_of(*face);
+}
+
 int qv_add_connexions(qv_scene& scene) {
+  add_walls_of_objects(scene);
   std::vector<qvi_wall*> walls;
   std::vector<qv_wall_outline> outlines;
   for (qv_item* item : scene.get_items("wall")) {

@@ -116,13 +116,14 @@ namespace qv {
 // --- reading ---
 
 void qv_gbxml_openings::read() {
-  const std::vector<qv_gbxml_surface>& all = surfaces_.get_surfaces();
+  std::vector<qv_gbxml_surface>& all = surfaces_.get_surfaces();
   std::vector<std::vector<std::size_t>> by_surface(all.size());
   for (std::size_t i = 0; i < all.size(); ++i) {
     for (const qv_xml_element child : all[i].element) {
       if (!child.is("Opening")) continue;
       const int host = all[i].merged_into >= 0 ? all[i].merged_into : static_cast<int>(i);
       read_opening(child, host);
+      all[static_cast<std::size_t>(host)].has_openings = true;
       if (!openings_.back().parts.empty())
         by_surface[static_cast<std::size_t>(host)].push_back(openings_.size() - 1);
     }
@@ -258,7 +259,7 @@ void qv_gbxml_openings::cut_surface(const std::vector<std::size_t>& numbers) {
   const int surface_number = openings_[numbers[0]].surface;
   const qv_gbxml_surface& surface =
       surfaces_.get_surfaces()[static_cast<std::size_t>(surface_number)];
-  if (!surface.becomes_wall()) {
+  if (!surface.is_kept()) {
     for (const std::size_t number : numbers)
       drop(openings_[number], "its Surface was dropped: there is no wall to hold it");
     return;

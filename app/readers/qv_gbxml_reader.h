@@ -103,9 +103,10 @@ struct qv_source_flaw {
 /// the file a space without a zone stays so.
 ///
 /// Every item bears the id of its source element as unique id and, where its class has them, among
-/// "source_ids". Walls made from surfaces of no space cast shadows and take no part in measuring.
-/// Openings stand beside their walls, after all of these; a wall with openings keeps its whole
-/// face, hidden, and shows the pierced one.
+/// "source_ids". Shades and columns that bound no space are `qvi_bim_object`s, with their
+/// surfaceType as "source_type"; other surfaces of no space are walls without spaces. Both cast
+/// shadows and take no part in measuring. Openings stand beside their walls, after all of these; a
+/// wall with openings keeps its whole face, hidden, and shows the pierced one.
 struct qv_gbxml_model {
   // Declared in this order so that the scene outlives what points into it.
   std::unique_ptr<qv_scene> scene;

@@ -143,6 +143,11 @@ const char* qv_get_surface_type_name(qv_surface_type type) {
   return type_names[static_cast<std::size_t>(type)];
 }
 
+bool qv_is_object_type(qv_surface_type type) {
+  return type == qv_surface_type::shade || type == qv_surface_type::freestanding_column ||
+         type == qv_surface_type::embedded_column;
+}
+
 int qv_get_expected_slope(qv_surface_type type) {
   if (type == qv_surface_type::interior_floor || type == qv_surface_type::ceiling) return 0;
   if (is_floor(type)) return -1;

@@ -40,6 +40,10 @@ const char* qv_get_surface_type_name(qv_surface_type type);
 /// −1 down (floors over ground or air), +1 up (roofs), 0 when the type does not tell.
 int qv_get_expected_slope(qv_surface_type type);
 
+/// Whether what bounds no space is an object of its own, beside the building or in it: a shade or a
+/// column. Walls, floors and roofs stay what they are.
+bool qv_is_object_type(qv_surface_type type);
+
 /// What a surface becomes.
 struct qv_wall_choice {
   qvi_wall::wall_type type = qvi_wall::wall_type::wall;

@@ -170,10 +170,7 @@ void qv_gbxml_surfaces::note_flaws(const qv_gbxml_surface& surface, bool names_s
   for (const std::string& repair : polygon.repairs)
     if (repair.find("off a plane") != std::string::npos)
       flaws.push_back({flaw::polygon_not_plane, surface.id, repair});
-  const bool needs_space = surface.type != qv_surface_type::shade &&
-                           surface.type != qv_surface_type::freestanding_column &&
-                           surface.type != qv_surface_type::embedded_column;
-  if (needs_space && surface.spaces[0] < 0)
+  if (!qv_is_object_type(surface.type) && surface.spaces[0] < 0)
     flaws.push_back(
         {flaw::names_no_space, surface.id,
          names_space ? "the space that it names is not in the file" : "it names no space"});
@@ -201,7 +198,7 @@ void qv_gbxml_surfaces::find_spaces(qv_gbxml_surface& surface,
     }
   }
   if (found.empty()) {
-    if (names.empty() && surface.type != qv_surface_type::shade)
+    if (names.empty() && !qv_is_object_type(surface.type))
       ledger.amend(surface.entry, outcome::kept, "it names no space: shading only");
     return;
   }

@@ -16,7 +16,7 @@
 
 namespace qv {
 
-/// A Surface element on its way to a wall.
+/// A Surface element on its way to a wall or an object.
 struct qv_gbxml_surface {
   qv_xml_element element;
   std::string id;
@@ -37,11 +37,18 @@ struct qv_gbxml_surface {
   /// Ids of the surfaces merged into this one.
   std::vector<std::string> merged_ids;
 
+  /// Whether an Opening lies in it; known once the openings have been read.
+  bool has_openings = false;
+
   /// One for each part of the polygon, once they have been made.
   std::vector<qvi_wall*> walls;
 
   int get_space_count() const { return spaces[1] >= 0 ? 2 : spaces[0] >= 0 ? 1 : 0; }
-  bool becomes_wall() const { return merged_into < 0 && !polygon.parts.empty(); }
+  /// Neither dropped nor said by another surface.
+  bool is_kept() const { return merged_into < 0 && !polygon.parts.empty(); }
+  /// A shade or column that bounds no space stands in the scene as an object.
+  bool becomes_object() const { return is_kept() && spaces[0] < 0 && qv_is_object_type(type); }
+  bool becomes_wall() const { return is_kept() && !becomes_object(); }
 };
 
 /// The Surface elements of a gbXML file.

@@ -1,13 +1,14 @@
 #include "app/readers/qv_gbxml_walls.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 
+#include "app/readers/qv_gbxml_faces.h"
 #include "app/readers/qv_unique_ids.h"
 #include "bim/hierarchy/qvi_campus.h"
 #include "bim/hierarchy/qvi_space.h"
+#include "bim/imported/qvi_bim_object.h"
 #include "core/shapes/qvi_polygon.h"
 
 namespace {
@@ -24,10 +25,6 @@ constexpr double telling_slope = 0.5;
 // Share of the surely judged faces that must have needed turning for the rest to be turned as well.
 constexpr double convincing_share = 0.8;
 
-qv::qv_3dvector to_single(const qv_double3& v) {
-  return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
-}
-
 // What speaks for or against a surface's direction.
 struct opinion {
   qv_shell_evidence evidence = qv_shell_evidence::none;
@@ -39,37 +36,6 @@ struct opinion {
     right = verdict.right;
   }
 };
-
-// Air lets light through, and what bounds no space takes no part in measuring.
-const qv::qv_list<std::string>& get_raytracing_layers(bool is_solid, bool bounds) {
-  static const auto make = [](bool solid, bool bounding) {
-    qv::qv_list<std::string> layers;
-    if (solid) layers.append("simulation");
-    layers.append("picking");
-    if (bounding) layers.append("bim");
-    return layers;
-  };
-  static const std::array<qv::qv_list<std::string>, 4> layers = {
-      make(false, false), make(false, true), make(true, false), make(true, true)};
-  return layers[(is_solid ? 2U : 0U) + (bounds ? 1U : 0U)];
-}
-
-// Area of the polygon item, from its own single-precision corners, m².
-double item_area(const qv::qvi_polygon& polygon, const qv_double3& normal) {
-  const auto& vertices = polygon.get_vertices();
-  const auto at = [&vertices](int i) {
-    return qv_double3{vertices[i].x, vertices[i].y, vertices[i].z};
-  };
-  qv_double3 sum;
-  int first = 0;
-  for (const unsigned int size : polygon.get_contour_sizes()) {
-    const qv_double3 start = at(first);
-    for (int i = first + 2; i < first + static_cast<int>(size); ++i)
-      sum = sum + (at(i - 1) - start).cross(at(i) - start) * 0.5;
-    first += static_cast<int>(size);
-  }
-  return sum.dot(normal);
-}
 
 }  // namespace
 
@@ -159,7 +125,7 @@ void qv_gbxml_walls::turn(qv_gbxml_surface& surface) {
 void qv_gbxml_walls::choose_types() {
   qv_import_ledger& ledger = context_.get_ledger();
   for (qv_gbxml_surface& surface : surfaces_.get_surfaces()) {
-    if (!surface.becomes_wall()) continue;
+    if (!surface.is_kept()) continue;
     for (std::size_t k = 0; k < surface.polygon.parts.size(); ++k) {
       const qv_wall_choice choice = qv_choose_wall_type(surface.type, surface.get_space_count(),
                                                         surface.polygon.parts[k].normal.z);
@@ -208,34 +174,51 @@ void qv_gbxml_walls::measure_spaces() {
 }
 
 void qv_gbxml_walls::make_items(qv_unique_ids& ids) {
-  for (qv_gbxml_surface& surface : surfaces_.get_surfaces())
-    if (surface.becomes_wall())
+  for (qv_gbxml_surface& surface : surfaces_.get_surfaces()) {
+    if (surface.becomes_object()) {
+      make_object(surface, ids);
+    } else if (surface.is_kept()) {
       for (std::size_t k = 0; k < surface.polygon.parts.size(); ++k) make_wall(surface, k, ids);
+    }
+  }
+}
+
+void qv_gbxml_walls::make_object(qv_gbxml_surface& surface, qv_unique_ids& ids) {
+  auto* object = new qvi_bim_object;
+  object->set_name(surface.name);
+  ids.give(object, surface.id);
+  object->set_source_id(surface.id);
+  object->set_source_type(qv_get_surface_type_name(surface.type));
+  object->set_bim_type(qvi_bim_object::bim_type::other);
+  object->set_original_bim_type(qvi_bim_object::bim_type::other);
+  site_.get_campus(surface.campus)->add_child(object, -1);
+  for (std::size_t k = 0; k < surface.polygon.parts.size(); ++k) {
+    const qv_plane_part& plane = surface.polygon.parts[k];
+    qvi_polygon* const face = qv_make_face(plane, true, false);
+    object->add_child(face, -1);
+    context_.get_ledger().add_object_area(qv_measure_face(*face, plane.normal));
+    // Openings need a wall to lie in.
+    if (surface.has_openings) make_wall_of(surface, k, face, ids);
+  }
 }
 
 void qv_gbxml_walls::make_wall(qv_gbxml_surface& surface, std::size_t part, qv_unique_ids& ids) {
   const qv_plane_part& plane = surface.polygon.parts[part];
-  const bool several = surface.polygon.parts.size() > 1;
   const bool bounds = surface.spaces[0] >= 0;
-  const bool is_solid = surface.type != qv_surface_type::air;
+  qvi_polygon* const face = qv_make_face(plane, surface.type != qv_surface_type::air, bounds);
+  qvi_wall* const wall = make_wall_of(surface, part, face, ids);
+  wall->add_child(face, -1);
+  if (surface.type == qv_surface_type::underground_wall)
+    context_.get_model().underground_walls.push_back(wall);
+  context_.get_ledger().add_wall_area(qv_measure_face(*face, plane.normal), !bounds);
+}
 
-  auto* face = new qvi_polygon;
-  qv_list<qv_3dvector> vertices;
-  qv_list<unsigned int> sizes;
-  for (const qv_loop& contour : plane.contours) {
-    sizes.append(static_cast<unsigned int>(contour.size()));
-    vertices.reserve(vertices.get_count() + static_cast<int>(contour.size()));
-    for (const qv_double3& p : contour) vertices.append(to_single(p));
-  }
-  face->set_vertices(vertices);
-  face->set_contour_sizes(sizes);
-  face->set_normal(to_single(plane.normal));
-  face->set_raytracing_layers(get_raytracing_layers(is_solid, bounds));
-  static const qv_list<std::string> main_layer = {"main"};
-  face->set_rendering_layers(main_layer);
-
+qvi_wall* qv_gbxml_walls::make_wall_of(qv_gbxml_surface& surface, std::size_t part,
+                                       qvi_polygon* face, qv_unique_ids& ids) {
   auto* wall = new qvi_wall;
-  wall->set_name(several ? surface.name + " (" + std::to_string(part + 1) + ")" : surface.name);
+  wall->set_name(surface.polygon.parts.size() > 1
+                     ? surface.name + " (" + std::to_string(part + 1) + ")"
+                     : surface.name);
   ids.give(wall, surface.id);
   qv_list<std::string> sources;
   if (!surface.id.empty()) sources.append(surface.id);
@@ -251,14 +234,11 @@ void qv_gbxml_walls::make_wall(qv_gbxml_surface& surface, std::size_t part, qv_u
   wall->set_space_1(space(surface.spaces[1]));
   wall->set_composition(
       constructions_.get_composition(surface.construction, is_composition_reversed(surface, part)));
-  wall->add_child(face, -1);
   wall->set_face_0(face);
   wall->set_face_1(face);
   site_.get_campus(surface.campus)->add_child(wall, -1);
   surface.walls.push_back(wall);
-  if (surface.type == qv_surface_type::underground_wall)
-    context_.get_model().underground_walls.push_back(wall);
-  context_.get_ledger().add_wall_area(item_area(*face, plane.normal), !bounds);
+  return wall;
 }
 
 }  // namespace qv

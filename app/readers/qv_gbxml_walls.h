@@ -7,9 +7,10 @@
 namespace qv {
 
 class qv_unique_ids;
+class qvi_polygon;
 
-/// Turns the surfaces of a gbXML file into walls: which way each faces, what type it is, and the
-/// items.
+/// Turns the surfaces of a gbXML file into walls and objects: which way each faces, what type it
+/// is, and the items.
 class qv_gbxml_walls {
  public:
   qv_gbxml_walls(qv_gbxml_context& context, qv_gbxml_site& site,
@@ -25,7 +26,9 @@ class qv_gbxml_walls {
   void choose_types();
   /// What each space's surfaces enclose, into the model's `spaces`.
   void measure_spaces();
-  /// Makes the wall items below their campuses. Spaces and compositions must have been made.
+  /// Makes the walls and objects below their campuses, in the order of the file. Spaces and
+  /// compositions must have been made. An object with openings gets a wall beside it for each of
+  /// its faces, which is the wall's face as well.
   void make_items(qv_unique_ids& ids);
 
  private:
@@ -44,7 +47,10 @@ class qv_gbxml_walls {
   void add_face(int space, int surface, int part, int side);
   void turn(qv_gbxml_surface& surface);
   bool is_composition_reversed(const qv_gbxml_surface& surface, std::size_t part) const;
+  void make_object(qv_gbxml_surface& surface, qv_unique_ids& ids);
   void make_wall(qv_gbxml_surface& surface, std::size_t part, qv_unique_ids& ids);
+  qvi_wall* make_wall_of(qv_gbxml_surface& surface, std::size_t part, qvi_polygon* face,
+                         qv_unique_ids& ids);
 
   qv_gbxml_context& context_;
   qv_gbxml_site& site_;

@@ -9,7 +9,7 @@ namespace qv {
 
 const char* qv_import_ledger::get_kind_name(kind value) {
   static constexpr std::array<const char*, kind_count> names = {
-      "Space", "Surface", "Opening", "WindowType", "Construction", "Layer", "Material", "Zone"};
+      "Space", "Surface", "Opening", "WindowType", "Construction", "Layer", "Material", "Zone", "Object"};
   return names[static_cast<std::size_t>(value)];
 }
 
@@ -75,7 +75,7 @@ double relative_error(double difference, double source) {
 }  // namespace
 
 double qv_import_ledger::area_balance::get_relative_error() const {
-  return relative_error(walls + merged + dropped - source, source);
+  return relative_error(walls + objects + merged + dropped - source, source);
 }
 
 bool qv_import_ledger::area_balance::is_balanced() const {
@@ -83,7 +83,7 @@ bool qv_import_ledger::area_balance::is_balanced() const {
 }
 
 qv_import_ledger::area_balance qv_import_ledger::get_balance() const {
-  return {get_area(kind::surface), walls_, shading_, get_area(kind::surface, outcome::merged),
+  return {get_area(kind::surface), walls_, shading_, objects_, get_area(kind::surface, outcome::merged),
           get_area(kind::surface, outcome::dropped)};
 }
 

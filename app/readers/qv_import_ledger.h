@@ -22,7 +22,9 @@ class qv_import_ledger {
     construction,
     layer,
     material,
-    zone
+    zone,
+    /// Of a file of triangles.
+    object
   };
   enum class outcome : int {
     /// Taken over as the file says it.
@@ -36,11 +38,11 @@ class qv_import_ledger {
     /// Understood by a later version; nothing was made from it.
     not_read
   };
-  static constexpr int kind_count = 8;
+  static constexpr int kind_count = 9;
   static constexpr int outcome_count = 5;
 
   /// "Space", "Surface", "Opening", "WindowType", "Construction", "Layer", "Material", "Zone": the
-  /// element names of the file format.
+  /// element names of the file format; "Object".
   static const char* get_kind_name(kind value);
   /// "kept", "repaired", "merged", "dropped", "not read yet".
   static const char* get_outcome_name(outcome value);
@@ -90,6 +92,9 @@ class qv_import_ledger {
   /// polygon; `shades_only` when the wall bounds no space.
   void add_wall_area(double area, bool shades_only);
 
+  /// Counts the area of an object made from a source surface, as for a wall.
+  void add_object_area(double area) { objects_ += area; }
+
   /// Counts the area of an opening item, computed from the item's own polygon.
   void add_opening_area(double area) { openings_ += area; }
 
@@ -97,15 +102,17 @@ class qv_import_ledger {
   struct area_balance {
     /// Of all Surface entries.
     double source = 0;
-    /// Of the walls made, from the walls' own polygons; shading included.
+    /// Of the walls made, from the walls' own polygons.
     double walls = 0;
     /// Of those among the walls that bound no space.
     double shading = 0;
+    /// Of the objects made, shades and columns.
+    double objects = 0;
     /// Of surfaces that another surface's wall stands for.
     double merged = 0;
     double dropped = 0;
 
-    /// (walls + merged + dropped − source) / source; 0 when both sides are 0.
+    /// (walls + objects + merged + dropped − source) / source; 0 when both sides are 0.
     double get_relative_error() const;
     /// True when the error is at most `largest_relative_error`.
     bool is_balanced() const;
@@ -140,6 +147,7 @@ class qv_import_ledger {
   std::vector<entry> entries_;
   double walls_ = 0;
   double shading_ = 0;
+  double objects_ = 0;
   double openings_ = 0;
 };
 

@@ -189,6 +189,13 @@ constexpr qv_report_field<qv_study_opening> opening_fields[] = {
     {"html", read<&qv_study_opening::html>, false},
 };
 
+constexpr qv_report_field<qv_study_object> object_fields[] = {
+    {"id", read<&qv_study_object::id>},
+    {"name", read<&qv_study_object::name>},
+    {"area_m2", read<&qv_study_object::area>},
+    {"kind", read<&qv_study_object::kind>},
+};
+
 constexpr qv_report_field<qv_study_glazing> glazing_fields[] = {
     {"name", read<&qv_study_glazing::name>},
     {"u_vertical", read<&qv_study_glazing::u_vertical>},
@@ -251,6 +258,7 @@ constexpr qv_report_field<qv_study_balance> balance_fields[] = {
     {"shading_m2", read<&qv_study_balance::shading>},
     {"merged_m2", read<&qv_study_balance::merged>},
     {"dropped_m2", read<&qv_study_balance::dropped>},
+    {"objects_m2", read<&qv_study_balance::objects>},
 };
 
 constexpr qv_report_field<qv_study_opening_balance> opening_balance_fields[] = {
@@ -307,6 +315,9 @@ std::span<const qv_report_field<qv_study_layer>> qv_layer_fields() {
 }
 std::span<const qv_report_field<qv_study_opening>> qv_opening_fields() {
   return opening_fields;
+}
+std::span<const qv_report_field<qv_study_object>> qv_object_fields() {
+  return object_fields;
 }
 std::span<const qv_report_field<qv_study_glazing>> qv_glazing_fields() {
   return glazing_fields;

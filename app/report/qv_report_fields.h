@@ -25,6 +25,7 @@ std::span<const qv_report_field<qv_bridge_loss>> qv_bridge_loss_fields();
 std::span<const qv_report_field<qv_study_composition>> qv_composition_fields();
 std::span<const qv_report_field<qv_study_layer>> qv_layer_fields();
 std::span<const qv_report_field<qv_study_opening>> qv_opening_fields();
+std::span<const qv_report_field<qv_study_object>> qv_object_fields();
 std::span<const qv_report_field<qv_study_glazing>> qv_glazing_fields();
 std::span<const qv_report_field<qv_study_glazing_layer>> qv_glazing_layer_fields();
 std::span<const qv_report_field<qv_study_facade>> qv_facade_fields();

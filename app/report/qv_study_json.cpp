@@ -166,6 +166,7 @@ std::string qv_study_json(const qv_study_results& study) {
   write_ledger(json, study.ledger);
   write_records(json, "findings", qv_finding_fields(), study.findings);
   qv_write_sun_totals(json, study.sun);
+  write_records(json, "objects", qv_object_fields(), study.objects);
   json.end_object();
   return json.text();
 }

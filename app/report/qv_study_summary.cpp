@@ -269,13 +269,15 @@ std::string headline(const qv_study_results& study) {
     storeys += building.floors.size();
     zones += building.zones.size();
   }
-  return fmt::format("Study of {}\n  {}, {}, {}, {}, {}, {}, {}\n", study.source,
+  const std::string objects =
+      study.objects.empty() ? "" : ", " + qv_plural(study.objects.size(), "object", "objects");
+  return fmt::format("Study of {}\n  {}, {}, {}, {}, {}, {}, {}{}\n", study.source,
                      qv_plural(study.buildings.size(), "building", "buildings"),
                      qv_plural(storeys, "storey", "storeys"), qv_plural(zones, "zone", "zones"),
                      qv_plural(study.spaces.size(), "space", "spaces"),
                      qv_plural(study.walls.size(), "wall", "walls"),
                      qv_plural(study.openings.size(), "opening", "openings"),
-                     qv_plural(study.compositions.size(), "composition", "compositions"));
+                     qv_plural(study.compositions.size(), "composition", "compositions"), objects);
 }
 
 }  // namespace
@@ -285,6 +287,7 @@ std::string qv_ledger_summary(const qv_study_ledger& ledger) {
   std::string areas = fmt::format("  Surfaces: {:.2f} m² in the file = {:.2f} m² of walls",
                                   sums.source, sums.walls);
   if (sums.shading > 0.0) areas += fmt::format(" ({:.2f} m² of shading)", sums.shading);
+  if (sums.objects > 0.0) areas += fmt::format(" + {:.2f} m² of objects", sums.objects);
   if (sums.merged > 0.0) areas += fmt::format(" + {:.2f} m² said twice", sums.merged);
   areas += fmt::format(" + {:.2f} m² dropped\n", sums.dropped);
   areas += opening_areas(ledger.opening_balance);

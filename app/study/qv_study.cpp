@@ -123,7 +123,8 @@ std::string qv_model_text(const qv_gbxml_model& model) {
 
 qv_study_results qv_run_study(const qv_study_options& options, const qv_study_progress& progress) {
   announce(progress, 1, "reading the model");
-  const qv_gbxml_model model = qv_read_gbxml(options.model);
+  qv_gbxml_model model = qv_read_gbxml(options.model);
+  const std::vector<std::string> context_notes = qv_add_context(model, options.context);
   const qv_model_findings findings = qv_compute_model(model, options, progress);
   announce(progress, 5, "gathering the results");
   qv_study_results study = qv_gather_study(model, findings);
@@ -131,6 +132,7 @@ qv_study_results qv_run_study(const qv_study_options& options, const qv_study_pr
   if (options.north.has_value()) study.location.azimuth = options.north;
   add_findings(study, model);
   study.source = options.model;
+  study.context_notes = context_notes;
   study.notes = notes_on(model, options);
   study.model_json = qv_model_text(model);
   if (options.solar.wanted) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/junctions/qv_psi_catalogue.h"
+#include "app/readers/qv_context.h"
 #include "app/study/qv_generated_openings.h"
 #include "app/study/qv_study_gather.h"
 #include "app/study/qv_study_results.h"
@@ -30,6 +31,8 @@ struct qv_study_options {
   /// messages; none without a name.
   std::string configuration_name = {};
   std::string configuration = {};
+  /// What stands around the model.
+  qv_context_options context = {};
   /// The sun on walls and openings; not computed unless asked for.
   qv_solar_options solar = {};
   qv_solar_progress solar_progress = {};

@@ -14,9 +14,11 @@
 #include "bim/hierarchy/qvi_building.h"
 #include "bim/hierarchy/qvi_space.h"
 #include "bim/hierarchy/qvi_zone.h"
+#include "bim/imported/qvi_bim_object.h"
 #include "bim/materials/qvi_composition.h"
 #include "bim/materials/qvi_limit_condition.h"
 #include "bim/materials/qvi_material.h"
+#include "core/shapes/qvi_mesh.h"
 
 namespace qv {
 namespace {
@@ -229,6 +231,19 @@ std::vector<qv_loss_bridge> loss_bridges(const std::vector<qv_study_thermal_brid
   return result;
 }
 
+qv_study_object gather_object(const qvi_bim_object& item, id_maker& ids) {
+  qv_study_object object;
+  qv_list<std::string> sources;
+  if (!item.get_source_id().empty()) sources.append(item.get_source_id());
+  object.id = ids.make(&item, sources);
+  object.name = item.get_name();
+  object.kind = item.get_source_type();
+  for (qvi_mesh* mesh : qv_collect<qvi_mesh>(&item, "mesh"))
+    if (!mesh->get_raytracing_layers().contains("footprint"))
+      object.area += static_cast<double>(mesh->get_area());
+  return object;
+}
+
 }  // namespace
 
 qv_wall_direction qv_direction_of(const qv_3dvector& normal) {
@@ -274,8 +289,8 @@ qv_study_ledger qv_gather_ledger(const qv_import_ledger& ledger) {
     }
   }
   const qv_import_ledger::area_balance sums = ledger.get_balance();
-  result.balance = {sums.source, sums.walls,   sums.shading,
-                    sums.merged, sums.dropped, sums.is_balanced()};
+  result.balance = {sums.source,  sums.walls,         sums.shading, sums.merged,
+                    sums.dropped, sums.is_balanced(), sums.objects};
   const qv_import_ledger::opening_balance openings = ledger.get_opening_balance();
   result.opening_balance = {openings.source,  openings.openings, openings.merged,
                             openings.dropped, openings.cut,      openings.is_balanced()};
@@ -318,6 +333,11 @@ qv_study_results qv_gather_study(const qv_gbxml_model& model, const qv_model_fin
   }
   for (qv_item* item : scene.get_items("composition")) {
     study.compositions.push_back(gather_composition(static_cast<qvi_composition&>(*item)));
+  }
+  id_maker object_ids("object");
+  for (qv_item* item : scene.get_items("bim_object")) {
+    auto& object = static_cast<qvi_bim_object&>(*item);
+    study.objects.push_back(gather_object(object, object_ids));
   }
   study.usages = qv_gather_usages(
       scene, [&space_ids](const qvi_space* space) { return space_ids.find(space); });

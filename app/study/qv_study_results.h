@@ -158,6 +158,14 @@ struct qv_study_opening {
   bool loses_heat = false;
 };
 
+/// What stands in the scene beside the rooms and casts shadows: a shade, a column, a neighbour.
+struct qv_study_object {
+  std::string id;
+  std::string name;
+  double area = 0.0;  // of all its faces
+  std::string kind;   // "Shade", "FreestandingColumn", "EmbeddedColumn", "context"
+};
+
 /// A pane, a gap or a film. What only panes have is absent of gaps.
 struct qv_study_glazing_layer {
   std::string name;
@@ -231,14 +239,15 @@ struct qv_study_tally {
   std::size_t count = 0;
 };
 
-/// Where the area of the file's surfaces went: source = walls + merged + dropped.
+/// Where the area of the file's surfaces went: source = walls + objects + merged + dropped.
 struct qv_study_balance {
   double source = 0.0;
-  double walls = 0.0;    // of the walls made, shading included
+  double walls = 0.0;    // of the walls made
   double shading = 0.0;  // of those among them that bound no space
   double merged = 0.0;   // said twice in the file, made once
   double dropped = 0.0;
   bool balanced = true;  // to 1e-6
+  double objects = 0.0;  // of shades and columns
 };
 
 /// Where the area of the file's openings went: source = openings + merged + dropped + cut.
@@ -266,6 +275,7 @@ struct qv_study_results {
   std::vector<qv_study_wall> walls;
   std::vector<qv_study_composition> compositions;
   std::vector<qv_study_opening> openings;
+  std::vector<qv_study_object> objects;
   std::vector<qv_study_glazing> glazings;
   std::vector<qv_study_facade> facades;
   qv_study_generation generation;
@@ -279,7 +289,8 @@ struct qv_study_results {
   std::vector<qv_finding> findings;  // of the check of the model
   int closed_space_count = 0;        // spaces whose surfaces leave no gap
   std::vector<std::string> notes;    // what the user should know of this study, a sentence each
-  std::string model_json;            // buildings, zones and spaces with their geometry
+  std::vector<std::string> context_notes;  // those among them of the files that stand around
+  std::string model_json;                  // buildings, zones and spaces with their geometry
 
   /// Sums over the spaces, m² and m³.
   double get_area() const;

@@ -7,6 +7,7 @@
 #include "bim/envelope/qvi_opening.h"
 #include "bim/envelope/qvi_wall.h"
 #include "bim/hierarchy/qvi_campus.h"
+#include "bim/imported/qvi_bim_object.h"
 #include "core/shapes/qvi_polygon.h"
 #include "tests/app/qv_gbxml_text.h"
 
@@ -326,6 +327,14 @@ TEST(qv_gbxml_openings, in_a_shade_they_let_the_light_through) {
           .read();
   EXPECT_NEAR(wall_of(model)->get_pierced_face_0()->get_area(), 11, 1e-5);
   EXPECT_FALSE(wall_of(model)->get_pierced_face_0()->get_raytracing_layers().contains("bim"));
+  // The object's own face, which the wall shows, has handed its shadow over to the pierced one.
+  const auto objects = qv::qv_collect<qv::qvi_bim_object>(model.root, "bim_object");
+  ASSERT_EQ(objects.get_count(), 1);
+  EXPECT_EQ(qv::qvi_bim_object::root_ascendant(wall_of(model)->get_face_0()), objects[0]);
+  EXPECT_EQ(objects[0]->get_layer_meshes("simulation").get_count(), 0);
+  EXPECT_NEAR(model.ledger.get_balance().objects, 12, 1e-5);
+  EXPECT_TRUE(model.ledger.get_balance().is_balanced());
+  EXPECT_TRUE(model.ledger.get_opening_balance().is_balanced());
 }
 
 TEST(qv_gbxml_openings, keeps_them_in_a_model_brought_to_the_origin) {

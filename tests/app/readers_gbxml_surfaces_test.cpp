@@ -6,6 +6,7 @@
 
 #include "bim/envelope/qvi_wall.h"
 #include "bim/hierarchy/qvi_space.h"
+#include "bim/imported/qvi_bim_object.h"
 #include "core/shapes/qvi_polygon.h"
 #include "tests/app/qv_gbxml_text.h"
 
@@ -53,7 +54,7 @@ TEST(qv_gbxml_surfaces, one_and_two_adjacent_spaces_become_the_walls_spaces_in_t
 }
 
 TEST(qv_gbxml_surfaces, surfaces_of_no_space_become_walls_that_only_cast_shadows) {
-  for (const char* type : {"Shade", "ExteriorWall", "InteriorWall"}) {
+  for (const char* type : {"Roof", "ExteriorWall", "InteriorWall"}) {
     const auto model = read_one(type, {});
     EXPECT_EQ(spaces_of(model), "- -;");
     const auto* wall = qv::qv_collect<qv::qvi_wall>(model.root, "wall")[0];
@@ -64,10 +65,49 @@ TEST(qv_gbxml_surfaces, surfaces_of_no_space_become_walls_that_only_cast_shadows
   }
 }
 
+TEST(qv_gbxml_surfaces, shades_and_columns_of_no_space_become_objects_that_cast_shadows) {
+  for (const char* type : {"Shade", "FreestandingColumn", "EmbeddedColumn"}) {
+    const auto model = read_one(type, {});
+    EXPECT_EQ(spaces_of(model), "");
+    const auto objects = qv::qv_collect<qv::qvi_bim_object>(model.root, "bim_object");
+    ASSERT_EQ(objects.get_count(), 1);
+    EXPECT_EQ(objects[0]->get_source_type(), type);
+    EXPECT_EQ(objects[0]->get_source_id(), "w");
+    EXPECT_EQ(objects[0]->get_unique_id(), "w");
+    EXPECT_EQ(objects[0]->get_bim_type(), qv::qvi_bim_object::bim_type::other);
+    const auto faces = objects[0]->get_layer_meshes("simulation");
+    ASSERT_EQ(faces.get_count(), 1);
+    EXPECT_FALSE(faces[0]->get_raytracing_layers().contains("bim"));
+    EXPECT_NEAR(faces[0]->get_area(), 12, 1e-5);
+    EXPECT_EQ(entry_of(model, "w").result, outcome::kept);
+    EXPECT_EQ(model.ledger.get_balance().walls, 0);
+    EXPECT_NEAR(model.ledger.get_balance().objects, 12, 1e-6);
+    EXPECT_TRUE(model.ledger.get_balance().is_balanced());
+  }
+}
+
+TEST(qv_gbxml_surfaces, a_column_that_bounds_a_space_is_a_wall_of_it) {
+  EXPECT_EQ(spaces_of(read_one("FreestandingColumn", {"a"})), "a -;");
+  EXPECT_EQ(spaces_of(read_one("EmbeddedColumn", {"a", "b"})), "a b;");
+}
+
 TEST(qv_gbxml_surfaces, a_shade_that_names_one_space_bounds_none) {
   const auto model = read_one("Shade", {"a"});
-  EXPECT_EQ(spaces_of(model), "- -;");
+  EXPECT_EQ(spaces_of(model), "");
+  EXPECT_EQ(qv::qv_collect<qv::qvi_bim_object>(model.root, "bim_object").get_count(), 1);
   EXPECT_EQ(entry_of(model, "w").result, outcome::kept);
+}
+
+// Its corners do not lie in a plane: two triangles.
+TEST(qv_gbxml_surfaces, a_shade_of_several_parts_is_one_object) {
+  const auto model = qv_gbxml_text()
+                         .space("a")
+                         .polygon("w", "Shade", {}, {{0, 0, 0}, {0, 4, 0}, {1, 4, 3}, {0, 0, 3}})
+                         .read();
+  const auto objects = qv::qv_collect<qv::qvi_bim_object>(model.root, "bim_object");
+  ASSERT_EQ(objects.get_count(), 1);
+  EXPECT_EQ(objects[0]->get_layer_meshes("simulation").get_count(), 2);
+  EXPECT_TRUE(model.ledger.get_balance().is_balanced());
 }
 
 TEST(qv_gbxml_surfaces, a_shade_between_two_spaces_keeps_both) {
@@ -149,7 +189,8 @@ TEST(qv_gbxml_surfaces, a_shade_on_a_wall_is_not_merged_with_it) {
                          .polygon("w2", "Shade", {}, square)
                          .polygon("w3", "Shade", {}, reversed(square))
                          .read();
-  EXPECT_EQ(spaces_of(model), "a -;- -;");
+  EXPECT_EQ(spaces_of(model), "a -;");
+  EXPECT_EQ(qv::qv_collect<qv::qvi_bim_object>(model.root, "bim_object").get_count(), 1);
   EXPECT_EQ(entry_of(model, "w3").result, outcome::merged);
 }
 

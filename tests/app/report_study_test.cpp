@@ -79,6 +79,7 @@ qv::qv_study_results small_study() {
                           {"Surface", "kept", 3},
                           {"Surface", "dropped", 1}};
   study.ledger.balance = {43.5, 40.5, 0.0, 0.0, 3.0, true};
+  study.objects = {{"t1", "Tree", 4.5, "Shade"}};
   study.ledger.fates = {{"Surface", "x1", "dropped", "no area", 3.0},
                         {"Layer", "l1", "kept", "", {}}};
   return study;
@@ -107,7 +108,9 @@ TEST(qv_study_json, has_its_keys_in_their_order) {
                                    "ledger",
                                    "findings",
                                    "weather",
-                                   "solar_by_orientation"}));
+                                   "solar_by_orientation",
+                                   "objects"}));
+  EXPECT_EQ(keys_of(study["objects"][0]), (names{"id", "name", "area_m2", "kind"}));
   EXPECT_EQ(keys_of(study["totals"]), (names{"spaces", "area_m2", "volume_m3", "loss_area_m2",
                                              "walls", "openings", "loss_opening_area_m2"}));
   EXPECT_EQ(keys_of(study["buildings"][0]),
