@@ -113,7 +113,10 @@ class context_builder {
     if (dropped == file.objects.size())
       throw qv_input_error(qv_input_error::kind::bad_input, {path, 0, "", ""},
                            "holds no triangle with an area", "export it again");
-    for (const std::string& warning : file.warnings) notes_.push_back(path + ": " + warning);
+    for (const std::string& warning : file.warnings) {
+      std::string& note = notes_.emplace_back(path);
+      note.append(": ").append(warning);
+    }
     if (lost.any()) notes_.push_back(path + ": " + lost.words());
     add_note_of_objects(path, dropped + file.unplaced.size(),
                         model_.ledger.get_entries().size() - first_entry);

@@ -5,6 +5,7 @@
 #include "app/junctions/qv_connexions.h"
 #include "bim/envelope/qvi_connexion.h"
 #include "bim/hierarchy/qvi_campus.h"
+#include "bim/imported/qvi_bim_object.h"
 #include "bim/materials/qvi_limit_condition.h"
 #include "core/items/qv_scene.h"
 #include "tests/support/qv_test_buildings.h"
@@ -78,6 +79,41 @@ TEST(qv_add_connexions, knows_the_edge_of_a_balcony) {
   EXPECT_EQ(counts[type::facade_balcony_intermediate], 1);
   EXPECT_EQ(counts[type::facade_intermediate],
             5);  // 3 sides, and 1 m left and right of the balcony
+}
+
+// A shade of a model file: an object with a flat face.
+qvi_bim_object* add_object(qv_scene& scene, const qv_list<qv_3dvector>& corners) {
+  auto* object = new qvi_bim_object;
+  auto* face = new qvi_polygon;
+  face->set_vertices(corners);
+  face->set_contour_sizes({4});
+  face->set_normal((corners[1] - corners[0]).cross(corners[2] - corners[1]).normalized());
+  object->set_name("balcony");
+  object->set_source_id("b1");
+  object->add_child(face, -1);
+  scene.add_child(object, -1);
+  return object;
+}
+
+TEST(qv_add_connexions, knows_the_edge_of_a_balcony_that_is_an_object) {
+  qv_scene scene;
+  qv_test::add_block(scene, {0, 0, 0}, 1, 1, 2, {4, 5, 2.5f}, 0);
+  const int wall_count = scene.get_items("wall").get_count();
+  const qvi_bim_object* balcony =
+      add_object(scene, {{1, 0, 2.5f}, {1, -1, 2.5f}, {3, -1, 2.5f}, {3, 0, 2.5f}});
+  add_object(scene, {{1, -9, 0}, {3, -9, 0}, {3, -9, 4}, {1, -9, 4}});  // a fence
+  auto counts = study_types(scene);
+  EXPECT_EQ(counts[type::facade_balcony_intermediate], 1);
+  EXPECT_EQ(counts[type::facade_intermediate], 5);
+  EXPECT_EQ(counts[type::unknown], 0);
+  const qv_list<qv_item*> walls = scene.get_items("wall");
+  ASSERT_EQ(walls.get_count(), wall_count + 1);  // none for the fence
+  const auto* wall = static_cast<const qvi_wall*>(walls[wall_count]);
+  EXPECT_EQ(wall->get_name(), "balcony");
+  EXPECT_EQ(wall->get_source_ids(), qv_list<std::string>{"b1"});
+  EXPECT_EQ(wall->get_contact_type(), qvi_wall::contact_type::outside_slab);
+  EXPECT_EQ(wall->get_face_0()->get_parent(), balcony);
+  EXPECT_EQ(wall->get_loss_area(), 2);
 }
 
 // An L of two rooms whose inner corner is the only one of its kind.
