@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "app/export/qv_export_glazing.h"
 #include "app/export/qv_xml_writer.h"
 #include "app/readers/qv_gbxml_opening_type.h"
 #include "app/readers/qv_gbxml_surface_type.h"
@@ -21,6 +22,7 @@
 #include "bim/hierarchy/qvi_zone.h"
 #include "bim/imported/qvi_bim_object.h"
 #include "bim/materials/qvi_composition.h"
+#include "bim/materials/qvi_glazing.h"
 #include "bim/materials/qvi_limit_condition.h"
 #include "bim/materials/qvi_material.h"
 #include "bim/project/qvi_bim_root.h"
@@ -338,10 +340,24 @@ class exporter {
                                {"windowTypeIdRef", air ? "" : window_type_of(opening)}});
         xml_.leaf("Name", opening.get_name());
         write_geometry(contours[i], opening.get_normal());
-        if (!air) write_figures(*openings_.at(&opening));
+        if (!air && layers_of(opening) == nullptr) write_figures(*openings_.at(&opening));
         xml_.end();
       }
     }
+  }
+
+  // The glazing whose layers say all of the opening; null where figures were imposed, or where its
+  // layers are such as the format cannot say.
+  const qvi_glazing* layers_of(const qvi_opening& opening) const {
+    const qvi_opening_composition* const composition = opening.get_composition();
+    if (composition == nullptr || openings_.at(&opening)->opaque_area > 0) return nullptr;
+    for (const float imposed :
+         {opening.get_forced_U(), opening.get_forced_solar_factor(),
+          opening.get_forced_visible_transmittance(), composition->get_forced_U(),
+          composition->get_forced_solar_factor(), composition->get_forced_visible_transmittance()})
+      if (imposed >= 0) return nullptr;
+    qvi_glazing* const glazing = composition->get_glazing();
+    return glazing != nullptr && qv_has_gbxml_layers(*glazing) ? glazing : nullptr;
   }
 
   // What the opening lets through, whatever it is made of.
@@ -355,8 +371,9 @@ class exporter {
                 {{"type", "Visible"}, {"unit", "Fraction"}});
   }
 
-  // Openings of the same composition and figures share a WindowType, which bears the name. That of
-  // a panel says no more: with three figures it would be taken for a pane.
+  // Openings of the same composition share a WindowType, which bears the name and the layers of the
+  // glazing; without layers those that have the same figures too. That of a panel says no more than
+  // its name: with three figures it would be taken for a pane.
   std::string window_type_of(const qvi_opening& opening) {
     const qv_study_opening& known = *openings_.at(&opening);
     if (opening.get_composition() == nullptr) return {};
@@ -364,20 +381,28 @@ class exporter {
       return value ? qv_number_text(*value) : std::string("-");
     };
     const bool opaque = known.opaque_area > 0;
-    const std::string key = opening.get_composition()->get_unique_id() +
-                            (opaque ? " panel " : " pane ") + number(known.u) + ' ' +
-                            number(known.solar_factor) + ' ' + number(known.visible_transmittance);
+    const qvi_glazing* const layers = layers_of(opening);
+    std::string key = opening.get_composition()->get_unique_id();
+    if (layers == nullptr)
+      key += (opaque ? " panel " : " pane ") + number(known.u) + ' ' + number(known.solar_factor) +
+             ' ' + number(known.visible_transmittance);
     const auto next = "window-" + std::to_string(window_types_.size() + 1);
     const auto [slot, fresh] = window_type_ids_.try_emplace(key, next);
-    if (fresh) window_types_.emplace_back(&known, opening.get_composition()->get_name());
+    if (fresh) window_types_.push_back({&known, opening.get_composition()->get_name(), layers});
     return slot->second;
   }
 
   void write_window_types() {
     for (std::size_t i = 0; i < window_types_.size(); ++i) {
-      xml_.begin("WindowType", {{"id", "window-" + std::to_string(i + 1)}});
-      xml_.leaf("Name", window_types_[i].second);
-      if (window_types_[i].first->opaque_area <= 0) write_figures(*window_types_[i].first);
+      const window_type& type = window_types_[i];
+      const std::string id = "window-" + std::to_string(i + 1);
+      xml_.begin("WindowType", {{"id", id}});
+      xml_.leaf("Name", type.name);
+      if (type.layers != nullptr) {
+        qv_write_gbxml_layers(*type.layers, id, xml_);
+      } else if (type.first->opaque_area <= 0) {
+        write_figures(*type.first);
+      }
       xml_.end();
     }
   }
@@ -511,13 +536,19 @@ class exporter {
     }
   }
 
+  struct window_type {
+    const qv_study_opening* first;  // of those that have it
+    std::string name;
+    const qvi_glazing* layers;
+  };
+
   const qv_gbxml_model& model_;
   qv_scene& scene_;
   qv_xml_writer xml_;
   std::unordered_map<const qv_item*, const qv_source_space*> sources_;
   std::unordered_map<const qv_item*, const qv_study_opening*> openings_;
   std::unordered_map<std::string, std::string> window_type_ids_;
-  std::vector<std::pair<const qv_study_opening*, std::string>> window_types_;
+  std::vector<window_type> window_types_;
   bool storeys_left_ = true;
   std::map<std::pair<qvi_composition*, bool>, std::string> constructions_;
   std::map<std::pair<qvi_matter*, float>, std::string> material_ids_;

@@ -21,8 +21,8 @@ struct qv_export_group {
 
 /// The walls, openings, imported objects and loose surfaces of a precomputed scene, each with its
 /// triangles, in scene order. Of a wall its faces with the openings cut out, a face that stands for
-/// both sides once, and none that is an object's; the rooms' own shells are left out, since they repeat the walls. Items without
-/// any triangle are left out.
+/// both sides once, and none that is an object's; the rooms' own shells are left out, since they
+/// repeat the walls. Items without any triangle are left out.
 std::vector<qv_export_group> qv_collect_export_groups(qv_scene& scene);
 
 }  // namespace qv

@@ -21,6 +21,7 @@
 #include "app/study/qv_study_gather.h"
 #include "bim/hierarchy/qvi_space.h"
 #include "bim/qv_load_bim_items.h"
+#include "tests/app/qv_gbxml_text.h"
 #include "tests/app/qv_program.h"
 #include "tests/app/qv_temporary_folder.h"
 #include "tests/support/qv_test_paths.h"
@@ -167,6 +168,108 @@ class export_house : public testing::Test {
 
 TEST(export_gbxml, reads_the_house_back_to_the_same_study) {
   expect_same_study(house);
+}
+
+// A room with a window and a roof light of the first type and a window of the second.
+std::string glazed_room(const std::string& first, const std::string& second) {
+  const auto opening = [](const std::string& id, const std::string& type, const std::string& of,
+                          const std::vector<qv_gbxml_text::point>& corners) {
+    return "<Opening id=\"" + id + "\" openingType=\"" + type + "\" windowTypeIdRef=\"" + of +
+           "\">" + qv_gbxml_text::planar(corners) + "</Opening>";
+  };
+  return qv_gbxml_text()
+      .head("<WindowType id=\"first\"><Name>First</Name>" + first +
+            "</WindowType><WindowType id=\"second\"><Name>Second</Name>" + second + "</WindowType>")
+      .space("a")
+      .surface(
+          "wall", "ExteriorWall", {"a"},
+          qv_gbxml_text::planar({{0, 0, 0}, {4, 0, 0}, {4, 0, 3}, {0, 0, 3}}) +
+              opening("w1", "FixedWindow", "first", {{1, 0, 1}, {2, 0, 1}, {2, 0, 2}, {1, 0, 2}}) +
+              opening("w2", "FixedWindow", "second",
+                      {{3, 0, 1}, {3.5, 0, 1}, {3.5, 0, 2}, {3, 0, 2}}))
+      .surface(
+          "roof", "Roof", {"a"},
+          qv_gbxml_text::planar({{0, 0, 3}, {4, 0, 3}, {4, 4, 3}, {0, 4, 3}}) +
+              opening("r1", "FixedSkylight", "first", {{1, 1, 3}, {2, 1, 3}, {2, 2, 3}, {1, 2, 3}}))
+      .text();
+}
+
+const std::string coated_double =
+    "<Glaze id=\"g1\"><Name>Outer</Name><Thickness unit=\"Meters\">0.006</Thickness>"
+    "<Conductivity unit=\"WPerMeterK\">0.9</Conductivity>"
+    "<Transmittance unit=\"Fraction\" type=\"Solar\">0.55</Transmittance>"
+    "<Transmittance unit=\"Fraction\" type=\"Visible\">0.83</Transmittance>"
+    "<Transmittance unit=\"Fraction\" type=\"IR\">0</Transmittance>"
+    "<Reflectance unit=\"Fraction\" type=\"ExtSolar\">0.21</Reflectance>"
+    "<Reflectance unit=\"Fraction\" type=\"IntSolar\">0.24</Reflectance>"
+    "<Reflectance unit=\"Fraction\" type=\"ExtVisible\">0.06</Reflectance>"
+    "<Reflectance unit=\"Fraction\" type=\"IntVisible\">0.05</Reflectance>"
+    "<Emittance unit=\"Fraction\" type=\"ExtIR\">0.84</Emittance>"
+    "<Emittance unit=\"Fraction\" type=\"IntIR\">0.04</Emittance></Glaze>"
+    "<Gap id=\"g2\" gas=\"Krypton\"><Thickness unit=\"Meters\">0.014</Thickness></Gap>"
+    "<Glaze id=\"g3\"><Name>Inner</Name></Glaze>";
+
+std::size_t count_of(const std::string& word, const std::string& text) {
+  std::size_t found = 0;
+  for (auto at = text.find(word); at != std::string::npos; at = text.find(word, at + 1)) ++found;
+  return found;
+}
+
+void expect_same_glazings(const qv::qv_study_results& a, const qv::qv_study_results& b) {
+  ASSERT_EQ(b.glazings.size(), a.glazings.size());
+  for (std::size_t i = 0; i < a.glazings.size(); ++i) {
+    ASSERT_EQ(b.glazings[i].layers.size(), a.glazings[i].layers.size());
+    for (std::size_t k = 0; k < a.glazings[i].layers.size(); ++k) {
+      const auto& before = a.glazings[i].layers[k];
+      const auto& after = b.glazings[i].layers[k];
+      EXPECT_EQ(after.name, before.name);
+      EXPECT_EQ(after.kind, before.kind);
+      EXPECT_EQ(after.gas, before.gas);
+      expect_near(after.thickness, before.thickness, "thickness");
+      expect_near(after.solar_reflectance_back, before.solar_reflectance_back, "reflectance");
+      expect_near(after.emissivity_back, before.emissivity_back, "emissivity");
+    }
+  }
+}
+
+TEST(export_gbxml, writes_the_layers_of_a_glazing) {
+  const std::string text = glazed_room(coated_double,
+                                       "<U-value unit=\"WPerSquareMeterK\">2.5</U-value>"
+                                       "<SolarHeatGainCoeff>0.6</SolarHeatGainCoeff>"
+                                       "<Transmittance type=\"Visible\">0.7</Transmittance>");
+  const auto model = compute(qv::qv_read_gbxml_bytes("glazed.xml", text));
+  const std::string written = qv::qv_export_gbxml(model);
+  // One type for the window and the roof light, and one of figures without a made-up pane.
+  EXPECT_EQ(count_of("<WindowType ", written), 2U);
+  EXPECT_EQ(count_of("<Glaze ", written), 2U);
+  EXPECT_EQ(count_of("gas=\"Krypton\"", written), 1U);
+
+  const auto again = compute(qv::qv_read_gbxml_bytes("again.xml", written));
+  const auto a = qv::qv_gather_study(model);
+  const auto b = qv::qv_gather_study(again);
+  ASSERT_EQ(a.openings.size(), 3U);
+  ASSERT_EQ(b.openings.size(), 3U);
+  std::map<std::string, qv::qv_study_opening> found;
+  for (const auto& opening : b.openings) found[opening.id] = opening;
+  for (const auto& opening : a.openings) {
+    expect_near(found.at(opening.id).u, opening.u, "U of " + opening.id);
+    expect_near(found.at(opening.id).solar_factor, opening.solar_factor, "g of " + opening.id);
+    expect_near(found.at(opening.id).visible_transmittance, opening.visible_transmittance,
+                "light of " + opening.id);
+  }
+  EXPECT_NE(a.openings[0].u, a.openings[2].u);  // upright and level
+  expect_same_glazings(a, b);
+}
+
+TEST(export_gbxml, writes_figures_where_they_were_imposed) {
+  const std::string text = glazed_room(
+      coated_double + "<Frame/><U-value unit=\"WPerSquareMeterK\">1.4</U-value>", coated_double);
+  const auto model = compute(qv::qv_read_gbxml_bytes("framed.xml", text));
+  const auto again = compute(qv::qv_read_gbxml_bytes("again.xml", qv::qv_export_gbxml(model)));
+  const auto a = qv::qv_gather_study(model);
+  const auto b = qv::qv_gather_study(again);
+  for (std::size_t i = 0; i < 3; ++i) expect_near(b.openings[i].u, a.openings[i].u, "U");
+  EXPECT_NEAR(*b.openings[0].u, 1.4, 1e-5);
 }
 
 class export_shared_data : public testing::TestWithParam<std::string> {};
