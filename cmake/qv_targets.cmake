@@ -45,6 +45,14 @@ endfunction()
 configure_file(${PROJECT_SOURCE_DIR}/tests/support/qv_test_paths.h.in
                ${PROJECT_BINARY_DIR}/generated/tests/support/qv_test_paths.h @ONLY)
 
+# qv_allow_kept_memory(<name>): the leak check of a program that writes text into pictures leaves out
+# what the system's libraries keep.
+function(qv_allow_kept_memory name)
+  if(QV_SANITIZE MATCHES address)
+    target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/lsan_suppressions.cpp)
+  endif()
+endfunction()
+
 # qv_test(<name> SOURCES … LIBS …): a GoogleTest program; CTest knows each of its tests.
 function(qv_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})

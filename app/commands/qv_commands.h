@@ -32,6 +32,8 @@ void qv_add_info_command(CLI::App& program, qv_command_action& action);
 void qv_add_glazing_command(CLI::App& program, qv_command_action& action);
 /// `export MODEL --format json|obj|gltf|gbxml --out FILE`
 void qv_add_export_command(CLI::App& program, qv_command_action& action);
+/// `picture MODEL --out FILE.png [--view …] [--color …] …`
+void qv_add_picture_command(CLI::App& program, qv_command_action& action);
 /// `configure save MODEL CONFIG.json`
 void qv_add_configure_command(CLI::App& program, qv_command_action& action);
 /// `help [COMMAND]`

@@ -78,6 +78,7 @@ int understand_and_run(int argument_count, const char* const* arguments) {
       "  qv check house.xml\n"
       "  qv info house.xml\n"
       "  qv export house.xml --format gltf --out house.gltf\n"
+      "  qv picture house.xml --out house.png\n"
       "  qv glazing \"4 low-e / 16 argon / 4\"\n"
       "  qv help study\n\n"
       "Exit codes: 0 done, 1 fault of the program or findings of `check`,\n"
@@ -89,6 +90,7 @@ int understand_and_run(int argument_count, const char* const* arguments) {
   qv_add_solar_command(program, action);
   qv_add_info_command(program, action);
   qv_add_export_command(program, action);
+  qv_add_picture_command(program, action);
   qv_add_glazing_command(program, action);
   qv_add_configure_command(program, action);
   qv_add_help_command(program, action);

@@ -9,6 +9,7 @@
 #include "app/commands/qv_interrupt.h"
 #include "app/commands/qv_progress.h"
 #include "app/commands/qv_solar_options.h"
+#include "app/pictures/qv_study_pictures.h"
 #include "app/readers/qv_file.h"
 #include "app/report/qv_output_folder.h"
 #include "app/report/qv_study_csv.h"
@@ -27,6 +28,7 @@ struct study_arguments {
   std::string configuration;
   std::string folder;
   bool no_solar = false;
+  bool no_pictures = false;
   std::string hourly;
 };
 
@@ -37,6 +39,16 @@ qv_study_results study_with_progress(qv_study_options options) {
     if (qv_interrupt::is_requested()) throw qv_interrupted();
     progress.begin_step(step, count, what);
   });
+}
+
+// The end of the line that lists what was written, and the notes.
+std::string told_of(const qv_study_pictures& pictures) {
+  std::string text;
+  if (!pictures.files.empty())
+    text = " and " + std::to_string(pictures.files.size()) + " pictures in pictures/";
+  text += '\n';
+  for (const std::string& note : pictures.notes) text += "Note: " + note + '\n';
+  return text;
 }
 
 int run_study(const study_arguments& arguments) {
@@ -58,6 +70,12 @@ int run_study(const study_arguments& arguments) {
   }
   options.solar.wanted = !arguments.no_solar;
   options.solar.keep_hours = hourly_folder.has_value();
+  qv_study_pictures pictures;
+  if (!arguments.no_pictures) {
+    options.visit = [&pictures](const qv_gbxml_model& model, const qv_study_results& found) {
+      pictures = qv_draw_study_pictures(model, found);
+    };
+  }
   const qv_study_results study = study_with_progress(options);
   folder.stage("study.json", qv_study_json(study));
   folder.stage("model.json", study.model_json);
@@ -66,6 +84,12 @@ int run_study(const study_arguments& arguments) {
   folder.stage("openings.csv", qv_openings_csv(study));
   folder.stage("thermal_bridges.csv", qv_thermal_bridges_csv(study));
   if (options.solar.wanted) folder.stage("solar.csv", qv_solar_csv(study));
+  std::optional<qv_output_folder> picture_folder;
+  if (!pictures.files.empty()) {
+    picture_folder.emplace(folder.get_path() / "pictures");
+    for (const auto& [name, png] : pictures.files) picture_folder->stage(name, png);
+    picture_folder->commit();
+  }
   if (hourly_folder) {
     hourly_folder->stage(hourly_file.filename().string(), qv_hourly_csv(study));
     hourly_folder->commit();
@@ -73,7 +97,7 @@ int run_study(const study_arguments& arguments) {
   folder.commit();
   qv_print(qv_study_summary(study) + "\nWritten to " + arguments.folder +
            ": study.json, model.json, spaces.csv, walls.csv, openings.csv, thermal_bridges.csv" +
-           (options.solar.wanted ? ", solar.csv\n" : "\n") +
+           (options.solar.wanted ? ", solar.csv" : "") + told_of(pictures) +
            (hourly_folder ? "Hours of every surface in " + arguments.hourly + '\n' : ""));
   return qv_exit_success;
 }
@@ -134,13 +158,14 @@ void qv_add_study_command(CLI::App& program, qv_command_action& action) {
   qv_add_context_options(*command, arguments->study.context);
   qv_add_solar_options(*command, arguments->study.solar);
   command->add_flag("--no-solar", arguments->no_solar, "Leave out the sun");
+  command->add_flag("--no-pictures", arguments->no_pictures, "Leave out the pictures");
   command
       ->add_option("--hourly", arguments->hourly,
                    "Every hour of every surface into this file (CSV)")
       ->option_text("FILE");
   command->footer(
       "Writes study.json, model.json, spaces.csv, walls.csv, openings.csv, thermal_bridges.csv\n"
-      "and solar.csv into DIR, all or none, and prints a summary.\n\n"
+      "and solar.csv into DIR, all or none, pictures into DIR/pictures, and prints a summary.\n\n"
       "Examples:\n"
       "  qv study house.xml --out results\n"
       "  qv study house.xml --out results --context street.obj\n"

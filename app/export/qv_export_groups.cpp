@@ -11,7 +11,10 @@
 namespace qv {
 namespace {
 
-void append(qv_triangulation& sum, const qv_triangulation& part) {
+void append(qv_export_group& group, qvi_mesh& mesh) {
+  group.meshes.push_back(&mesh);
+  qv_triangulation& sum = group.triangles;
+  const qv_triangulation part = mesh.copy_triangles();
   const int first = sum.vertices.get_count();
   for (const qv_3dvector& vertex : part.vertices) sum.vertices.append(vertex);
   for (const int index : part.triangles) sum.triangles.append(first + index);
@@ -75,10 +78,10 @@ class collector {
          {wall.get_pierced_face(), wall.get_pierced_face_0(), wall.get_pierced_face_1()})
       if (face != nullptr && qvi_bim_object::root_ascendant(face) == nullptr &&
           seen.insert(face).second)
-        append(group.triangles, face->copy_triangles());
+        append(group, *face);
     if (seen.empty() && wall.get_face() != nullptr &&
         qvi_bim_object::root_ascendant(wall.get_face()) == nullptr)
-      append(group.triangles, wall.get_face()->copy_triangles());
+      append(group, *wall.get_face());
     finish(std::move(group), &wall);
   }
 
@@ -86,7 +89,7 @@ class collector {
     qv_export_group group;
     group.kind = kind;
     for (qvi_mesh* mesh : qv_collect<qvi_mesh>(item, "mesh"))
-      if (mesh->get_rendering_visibility()) append(group.triangles, mesh->copy_triangles());
+      if (mesh->get_rendering_visibility()) append(group, *mesh);
     finish(std::move(group), item);
   }
 

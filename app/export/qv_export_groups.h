@@ -8,6 +8,8 @@
 
 namespace qv {
 
+class qvi_mesh;
+
 /// What of one item is seen: its triangles, under its name and kind.
 struct qv_export_group {
   /// The item's name, or its id where it has none.
@@ -17,6 +19,8 @@ struct qv_export_group {
   std::string kind;
   qv_item* item = nullptr;
   qv_triangulation triangles;
+  /// Whose triangles these are.
+  std::vector<qvi_mesh*> meshes;
 };
 
 /// The walls, openings, imported objects and loose surfaces of a precomputed scene, each with its

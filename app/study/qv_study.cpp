@@ -139,6 +139,7 @@ qv_study_results qv_run_study(const qv_study_options& options, const qv_study_pr
     if (progress) progress(solar_step_count, solar_step_count, "tracing the sun");
     qv_compute_sun(model, options.solar, options.solar_progress, study);
   }
+  if (options.visit) options.visit(model, study);
   return study;
 }
 

@@ -36,6 +36,8 @@ struct qv_study_options {
   /// The sun on walls and openings; not computed unless asked for.
   qv_solar_options solar = {};
   qv_solar_progress solar_progress = {};
+  /// Called at the end with the model, as long as it stands, and all that was found of it.
+  std::function<void(const qv_gbxml_model&, const qv_study_results&)> visit = {};
 };
 
 /// Told at the beginning of each step: its rank from 1, how many there are, and what it does

@@ -99,7 +99,7 @@ TEST_F(check_command, names_each_mistake) {
 
 TEST_F(check_command, is_part_of_a_study_which_marks_what_leaks) {
   const std::string out = place_.path() / "out";
-  const auto run = qv_run({"study", write_room(true), "--out", out});
+  const auto run = qv_run({"study", write_room(true), "--no-pictures", "--out", out});
   EXPECT_EQ(run.exit_code, 0) << run.errors;
   EXPECT_THAT(run.output, HasSubstr("50.00*"));
   EXPECT_THAT(run.output, HasSubstr("* The space leaks"));
@@ -109,7 +109,7 @@ TEST_F(check_command, is_part_of_a_study_which_marks_what_leaks) {
   EXPECT_GT(json.at("spaces")[0].at("leaking_share"), 0.05);
 
   const std::string house_out = place_.path() / "house";
-  const auto house = qv_run({"study", sample, "--out", house_out});
+  const auto house = qv_run({"study", sample, "--no-pictures", "--out", house_out});
   EXPECT_THAT(house.output, testing::Not(HasSubstr("Findings")));
   const auto house_json = nlohmann::json::parse(qv_file_content(house_out + "/study.json"));
   EXPECT_TRUE(house_json.at("findings").empty());

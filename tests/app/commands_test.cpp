@@ -205,8 +205,8 @@ TEST(qv_study_command, tells_an_output_folder_that_cannot_be_written) {
 TEST(qv_study_command, leaves_nothing_behind_when_the_disk_is_full) {
   const qv_temporary_folder place;
   // Files may grow to 1 KB; the signal that goes with the limit is ignored, so that writing fails.
-  const auto run = qv_run_shell("trap '' XFSZ; ulimit -f 1; \"$QV\" study '" + sample +
-                                "' --out '" + (place.path() / "out").string() + "' | cat");
+  const auto run = qv_run_shell("trap '' XFSZ; ulimit -f 1; \"$QV\" study --no-pictures '" +
+                                sample + "' --out '" + (place.path() / "out").string() + "' | cat");
   EXPECT_THAT(run.errors, HasSubstr("cannot be written"));
   EXPECT_EQ(entry_count(place.path()), 0u);
 }
@@ -219,7 +219,7 @@ TEST(qv_study_command, tells_that_standard_output_cannot_be_written) {
 
 TEST(qv_study_command, writes_its_files_and_a_summary) {
   const qv_temporary_folder place;
-  const auto run = qv_run({"study", sample, "--out", place.path()});
+  const auto run = qv_run({"study", sample, "--no-pictures", "--out", place.path()});
   EXPECT_EQ(run.exit_code, 0) << run.errors;
   EXPECT_THAT(run.output, HasSubstr("1 building, 3 storeys, 3 zones, 11 spaces"));
   EXPECT_EQ(entry_count(place.path()), 7u);
@@ -243,18 +243,19 @@ TEST(qv_study_command, prints_what_the_readme_shows) {
   ASSERT_NE(begin, std::string::npos);
   const std::string shown = page.substr(begin, page.find("```", begin) - begin);
   const qv_temporary_folder place;
-  const auto run =
-      qv_run_shell("cd '" QV_SOURCE_DIR "' && \"$QV\" study samples/house.xml --out '" +
-                   place.path().string() + "'");
+  const auto run = qv_run_shell("cd '" QV_SOURCE_DIR
+                                "' && \"$QV\" study samples/house.xml --no-pictures --out '" +
+                                place.path().string() + "'");
   EXPECT_THAT(run.output, testing::StartsWith(shown));
 }
 
 TEST(qv_study_command, gives_the_same_files_each_time_and_from_any_folder) {
   const qv_temporary_folder place;
   const std::string first = place.path() / "first";
-  ASSERT_EQ(qv_run({"study", sample, "--out", first}).exit_code, 0);
-  const auto run = qv_run_shell("cd '" + place.path().string() + "' && cp '" + sample +
-                                "' house.xml && \"$QV\" study house.xml --out second");
+  ASSERT_EQ(qv_run({"study", sample, "--no-pictures", "--out", first}).exit_code, 0);
+  const auto run =
+      qv_run_shell("cd '" + place.path().string() + "' && cp '" + sample +
+                   "' house.xml && \"$QV\" study house.xml --no-pictures --out second");
   ASSERT_EQ(run.exit_code, 0) << run.errors;
   for (const char* name : {"model.json", "spaces.csv", "walls.csv", "openings.csv",
                            "thermal_bridges.csv", "solar.csv"}) {
@@ -271,7 +272,8 @@ TEST(qv_study_command, gives_the_same_files_each_time_and_from_any_folder) {
 
 TEST(qv_study_command, names_the_figures_of_openings_and_glazings_as_its_guide_does) {
   const qv_temporary_folder place;
-  ASSERT_EQ(qv_run({"study", sample, "--out", place.path(), "--no-solar"}).exit_code, 0);
+  ASSERT_EQ(
+      qv_run({"study", sample, "--no-pictures", "--out", place.path(), "--no-solar"}).exit_code, 0);
   const auto study = nlohmann::ordered_json::parse(qv_file_content(place.path() / "study.json"));
   const auto keys = [](const nlohmann::ordered_json& record) {
     std::string text;
@@ -301,7 +303,7 @@ TEST(qv_study_command, names_the_figures_of_openings_and_glazings_as_its_guide_d
 TEST(qv_study_command, generates_openings_by_orientation) {
   const qv_temporary_folder place;
   const auto run =
-      qv_run({"study", sample, "--out", place.path(), "--glazing-ratio", "0.2",
+      qv_run({"study", sample, "--no-pictures", "--out", place.path(), "--glazing-ratio", "0.2",
               "--glazing-ratio-north", "0", "--glazing-ratio-east", "0.35", "--no-solar"});
   ASSERT_EQ(run.exit_code, 0) << run.errors;
   const auto study = nlohmann::json::parse(qv_file_content(place.path() / "study.json"));
@@ -323,8 +325,8 @@ TEST(qv_study_command, generates_openings_by_orientation) {
 TEST(qv_study_command, refuses_a_glazing_ratio_that_is_no_share) {
   const qv_temporary_folder place;
   for (const char* ratio : {"1", "-0.1", "nan", "30%", "x", "0,3"}) {
-    const auto run =
-        qv_run({"study", sample, "--out", place.path() / "out", "--glazing-ratio", ratio});
+    const auto run = qv_run({"study", sample, "--no-pictures", "--out", place.path() / "out",
+                             "--glazing-ratio", ratio});
     EXPECT_EQ(run.exit_code, 2) << ratio;
     EXPECT_FALSE(std::filesystem::exists(place.path() / "out")) << ratio;
   }
@@ -332,8 +334,8 @@ TEST(qv_study_command, refuses_a_glazing_ratio_that_is_no_share) {
 
 TEST(qv_study_command, groups_and_renames_when_asked) {
   const qv_temporary_folder place;
-  const auto run = qv_run(
-      {"study", sample, "--out", place.path(), "--regroup", "--rename-spaces", "--no-solar"});
+  const auto run = qv_run({"study", sample, "--no-pictures", "--out", place.path(), "--regroup",
+                           "--rename-spaces", "--no-solar"});
   ASSERT_EQ(run.exit_code, 0) << run.errors;
   const auto study = nlohmann::json::parse(qv_file_content(place.path() / "study.json"));
   ASSERT_EQ(study["buildings"].size(), 1u);
@@ -348,8 +350,8 @@ TEST(qv_study_command, groups_and_renames_when_asked) {
 
 TEST(qv_study_command, says_that_names_stay_where_the_file_has_buildings) {
   const qv_temporary_folder place;
-  const auto run =
-      qv_run({"study", sample, "--out", place.path(), "--rename-spaces", "--no-solar"});
+  const auto run = qv_run(
+      {"study", sample, "--no-pictures", "--out", place.path(), "--rename-spaces", "--no-solar"});
   ASSERT_EQ(run.exit_code, 0) << run.errors;
   EXPECT_THAT(run.output, HasSubstr("spaces keep their names"));
   EXPECT_THAT(run.output, HasSubstr("Salon"));

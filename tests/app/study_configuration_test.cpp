@@ -143,9 +143,12 @@ TEST(qv_configure_command, saves_what_a_study_takes) {
   const json document = json::parse(qv_file_content(file));
   EXPECT_EQ(document["format"], "qv-configuration");
   const std::string out = place.path() / "out";
-  const auto study = qv_run({"study", sample, "--out", out, "--configuration", file});
+  const auto study =
+      qv_run({"study", sample, "--no-pictures", "--out", out, "--configuration", file});
   EXPECT_EQ(study.exit_code, 0) << study.errors;
-  EXPECT_EQ(qv_run({"study", sample, "--out", out, "--configuration", sample}).exit_code, 3);
+  EXPECT_EQ(
+      qv_run({"study", sample, "--no-pictures", "--out", out, "--configuration", sample}).exit_code,
+      3);
   EXPECT_EQ(qv_run({"configure", "save", "/nowhere.xml", file}).exit_code, 4);
   EXPECT_EQ(qv_run({"configure"}).exit_code, 2);
 }

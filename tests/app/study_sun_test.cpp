@@ -209,8 +209,8 @@ TEST(qv_program, writes_the_sun_of_a_study_and_prints_that_of_a_surface) {
   const qv_temporary_folder folder;
   const std::string out = (folder.path() / "out").string();
   const std::string hours = (folder.path() / "hours.csv").string();
-  const auto run = qv_run({"study", sample, "--out", out, "--weather", weather, "--quality",
-                           "draft", "--reflexions", "0", "--hourly", hours});
+  const auto run = qv_run({"study", sample, "--no-pictures", "--out", out, "--weather", weather,
+                           "--quality", "draft", "--reflexions", "0", "--hourly", hours});
   EXPECT_EQ(run.exit_code, 0) << run.errors;
   EXPECT_THAT(run.output, HasSubstr("solar.csv"));
   EXPECT_THAT(run.output, HasSubstr("Sun on what faces"));
@@ -221,7 +221,7 @@ TEST(qv_program, writes_the_sun_of_a_study_and_prints_that_of_a_surface) {
       EXPECT_EQ(wall["solar"]["reflected_kwh_m2"], 0);
     }
 
-  const auto none = qv_run({"study", sample, "--out", out + "2", "--no-solar"});
+  const auto none = qv_run({"study", sample, "--no-pictures", "--out", out + "2", "--no-solar"});
   EXPECT_EQ(none.exit_code, 0) << none.errors;
   EXPECT_FALSE(fs::exists(out + "2/solar.csv"));
 
@@ -238,7 +238,7 @@ TEST(qv_program, writes_the_sun_of_a_study_and_prints_that_of_a_surface) {
 TEST(qv_program, understands_the_options_of_the_sun) {
   const qv_temporary_folder folder;
   const std::string out = (folder.path() / "out").string();
-  const std::vector<std::string> study = {"study", sample, "--out", out};
+  const std::vector<std::string> study = {"study", sample, "--no-pictures", "--out", out};
   const auto with = [&study](const std::vector<std::string>& more) {
     std::vector<std::string> words = study;
     words.insert(words.end(), more.begin(), more.end());
@@ -259,8 +259,8 @@ TEST(qv_program, understands_the_options_of_the_sun) {
 TEST(qv_program, leaves_nothing_behind_when_it_is_interrupted) {
   const qv_temporary_folder folder;
   const std::string out = (folder.path() / "out").string();
-  const auto run = qv_run_shell("timeout --signal=INT 2 \"$QV\" study '" + sample + "' --out '" +
-                                out + "' --quality fine --reflexions 60");
+  const auto run = qv_run_shell("timeout --signal=INT 2 \"$QV\" study --no-pictures '" + sample +
+                                "' --out '" + out + "' --quality fine --reflexions 60");
   // Where two seconds suffice for all of it, or do not suffice to begin.
   if (run.exit_code == 0 || run.errors.empty()) GTEST_SKIP() << "no time to interrupt it";
   EXPECT_THAT(run.errors, HasSubstr("interrupted; nothing was written"));
