@@ -21,8 +21,9 @@ struct export_arguments {
 };
 
 std::string export_text(const std::string& format, const qv_gbxml_model& model) {
-  if (format == "obj") return qv_export_obj(*model.scene);
-  if (format == "gltf") return qv_export_gltf(*model.scene);
+  const qv_double3 origin(model.origin[0], model.origin[1], model.origin[2]);
+  if (format == "obj") return qv_export_obj(*model.scene, origin);
+  if (format == "gltf") return qv_export_gltf(*model.scene, origin);
   if (format == "gbxml") return qv_export_gbxml(model);
   return qv_model_text(model);
 }

@@ -67,11 +67,12 @@ std::string base64(const std::string& bytes) {
 
 class writer {
  public:
-  std::string write(qv_scene& scene) {
+  std::string write(qv_scene& scene, const qv_double3& origin) {
     json nodes = json::array();
     // From Z upwards to Y upwards: a quarter turn about X.
     nodes.push_back(
         {{"name", "model"}, {"rotation", {-0.70710678118654752, 0, 0, 0.70710678118654752}}});
+    if (origin != qv_double3()) nodes[0]["translation"] = {origin.x, origin.z, -origin.y};
     json children = json::array();
     for (const qv_export_group& group : qv_collect_export_groups(scene)) {
       const std::string name = qv_valid_utf8(group.name);
@@ -176,8 +177,8 @@ class writer {
 
 }  // namespace
 
-std::string qv_export_gltf(qv_scene& scene) {
-  return writer().write(scene);
+std::string qv_export_gltf(qv_scene& scene, const qv_double3& origin) {
+  return writer().write(scene, origin);
 }
 
 }  // namespace qv

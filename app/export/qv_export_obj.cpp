@@ -18,6 +18,15 @@ void append_number(std::string& text, T value) {
   text.append(buffer.data(), end);
 }
 
+void append_coordinate(std::string& text, float coordinate, double origin) {
+  const float c = std::isfinite(coordinate) ? coordinate : 0.0f;
+  if (origin == 0) {
+    append_number(text, c);
+  } else {
+    append_number(text, static_cast<double>(c) + origin);
+  }
+}
+
 // A name of the format ends at a blank.
 std::string word(const std::string& name) {
   std::string text = qv_valid_utf8(name);
@@ -28,15 +37,16 @@ std::string word(const std::string& name) {
 
 }  // namespace
 
-std::string qv_export_obj(qv_scene& scene) {
+std::string qv_export_obj(qv_scene& scene, const qv_double3& origin) {
   std::string text = "# metres, Z upwards; a group for each item, its kind as material\n";
   int first = 1;  // indices count from 1 through the whole file
   for (const qv_export_group& group : qv_collect_export_groups(scene)) {
     text += "g " + word(group.name) + "\nusemtl " + word(group.kind) + "\n";
     for (const qv_3dvector& vertex : group.triangles.vertices) {
       text += 'v';
-      for (const float coordinate : {vertex.x, vertex.y, vertex.z})
-        append_number(text, std::isfinite(coordinate) ? coordinate : 0.0f);
+      append_coordinate(text, vertex.x, origin.x);
+      append_coordinate(text, vertex.y, origin.y);
+      append_coordinate(text, vertex.z, origin.z);
       text += '\n';
     }
     const qv_list<int>& triangles = group.triangles.triangles;

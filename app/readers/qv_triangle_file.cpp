@@ -18,6 +18,7 @@
 #include "app/readers/qv_file.h"
 #include "app/readers/qv_gltf_check.h"
 #include "app/readers/qv_input_error.h"
+#include "app/readers/qv_obj_origin.h"
 #include "app/report/qv_utf8.h"
 
 namespace qv {
@@ -177,15 +178,18 @@ placement combine(const placement& outer, const aiMatrix4x4& node) {
 
 class scene_reader {
  public:
-  scene_reader(const aiScene& scene, std::string other_name, qv_triangle_file& result)
-      : scene_(scene), other_name_(std::move(other_name)), result_(result) {}
+  /// `origin` was taken off all corners.
+  scene_reader(const aiScene& scene, std::string other_name, const qv_double3& origin,
+               qv_triangle_file& result)
+      : scene_(scene), other_name_(std::move(other_name)), origin_(origin), result_(result) {}
 
   void read() {
     struct visit {
       const aiNode* node;
       placement outer;
     };
-    std::vector<visit> waiting = {{scene_.mRootNode, qv_file_object().placement}};
+    const placement root = {1, 0, 0, origin_.x, 0, 1, 0, origin_.y, 0, 0, 1, origin_.z};
+    std::vector<visit> waiting = {{scene_.mRootNode, root}};
     while (!waiting.empty()) {
       const visit next = waiting.back();
       waiting.pop_back();
@@ -216,6 +220,7 @@ class scene_reader {
 
   const aiScene& scene_;
   std::string other_name_;
+  qv_double3 origin_;
   qv_triangle_file& result_;
   std::map<std::vector<unsigned int>, std::size_t> mesh_of_;
 };
@@ -246,7 +251,12 @@ qv_triangle_file qv_read_triangle_file(const std::string& path) {
   if (!result.is_y_up && extension != ".obj")
     fail(path, "is neither OBJ nor glTF by its ending", "name an .obj, .gltf or .glb file");
   if (bytes.empty()) fail(path, "is empty", "export it again");
-  if (result.is_y_up) result.unplaced = qv_check_gltf(path, bytes);
+  qv_double3 origin;
+  if (result.is_y_up) {
+    result.unplaced = qv_check_gltf(path, bytes);
+  } else {
+    origin = qv_bring_obj_to_origin(bytes);
+  }
 
   const captured_log log(result.warnings);
   Assimp::Importer importer;
@@ -268,7 +278,7 @@ qv_triangle_file qv_read_triangle_file(const std::string& path) {
              (reason.empty() ? "" : " (" + reason + ")"),
          "export it again");
   }
-  scene_reader(*scene, fs::path(path).stem().string(), result).read();
+  scene_reader(*scene, fs::path(path).stem().string(), origin, result).read();
   const bool has_face =
       std::any_of(result.meshes.begin(), result.meshes.end(),
                   [](const qv_file_mesh& mesh) { return !mesh.triangles.empty(); });

@@ -45,10 +45,10 @@ struct qv_triangle_file {
 /// that it holds.
 ///
 /// Buffers that glTF refers to are files beside it; nothing is fetched from elsewhere. Corners are
-/// in single precision. Throws `qv_input_error`: no access for a file that is missing, a directory,
-/// unreadable or larger than a gigabyte; bad input for another format, a file that is empty, cut
-/// off or not sound, one that needs an extension of glTF that changes its geometry, or one without
-/// any face.
+/// in single precision, those of OBJ about a place near them. Throws `qv_input_error`: no access
+/// for a file that is missing, a directory, unreadable or larger than a gigabyte; bad input for
+/// another format, a file that is empty, cut off or not sound, one that needs an extension of glTF
+/// that changes its geometry, or one without any face.
 qv_triangle_file qv_read_triangle_file(const std::string& path);
 
 }  // namespace qv

@@ -20,6 +20,7 @@
 #include "bim/imported/qvi_bim_object.h"
 #include "core/light/qvi_sun.h"
 #include "core/shapes/qvi_mesh_instance.h"
+#include "core/shapes/qvi_polygon.h"
 #include "tests/app/qv_gbxml_text.h"
 #include "tests/app/qv_gltf_text.h"
 #include "tests/app/qv_program.h"
@@ -158,6 +159,38 @@ TEST_F(qv_context, follows_a_model_that_was_brought_to_the_origin) {
   const qv::qv_box box = box_of(objects_of(model)[0]);
   EXPECT_NEAR(box.get_min().x, 651200 - model.origin[0], 0.5);
   EXPECT_NEAR(box.get_min().y, 6861990 - model.origin[1], 0.5);
+}
+
+// Where neighbouring floats lie half a metre apart.
+TEST_F(qv_context, a_town_model_far_away_keeps_its_millimetres) {
+  auto model = qv_gbxml_text().box("a", {651200, 6862000, 0}, {651204, 6862005, 3}).read();
+  qv::qv_add_context(model, {{write("far.obj",
+                                    "g pane\nv 651200.125 6861990.25 0.5\n"
+                                    "v +651202.25 6861990.25 0.5 1\n"
+                                    "v 651200.125 6861990.25 2.5\nv nan 0 0\nf 1 2 3\n")}});
+  const qv::qv_box box = box_of(objects_of(model)[0]);
+  EXPECT_NEAR(box.get_min().x, 651200.125 - model.origin[0], 1e-3);
+  EXPECT_NEAR(box.get_max().x, 651202.25 - model.origin[0], 1e-3);
+  EXPECT_NEAR(box.get_min().y, 6861990.25 - model.origin[1], 1e-3);
+  EXPECT_NEAR(area_of(objects_of(model)[0]), 2.125, 1e-4);
+}
+
+TEST_F(qv_context, a_model_far_away_comes_back_to_its_place) {
+  const std::string path = write(
+      "far.xml", qv_gbxml_text().box("a", {651200.5, 6862000, 0}, {651204.5, 6862005, 3}).text());
+  for (const char* format : {"obj", "gltf"}) {
+    const std::string file = (folder_.path() / "far.").string() + format;
+    ASSERT_EQ(qv_run({"export", path, "--format", format, "--out", file}).exit_code, 0);
+    auto model = qv::qv_read_gbxml(path);
+    qv::qv_add_context(model, {{file}});
+    qv::qv_box back;
+    for (qv::qvi_bim_object* object : objects_of(model)) back.enlarge(box_of(object));
+    qv::qv_box whole;
+    for (qv::qvi_polygon* face : qv::qv_collect<qv::qvi_polygon>(model.root, "polygon"))
+      whole.enlarge(face->get_local_bounding_box());
+    EXPECT_NEAR((whole.get_min() - back.get_min()).length(), 0, 1e-3) << format;
+    EXPECT_NEAR((whole.get_max() - back.get_max()).length(), 0, 1e-3) << format;
+  }
 }
 
 TEST_F(qv_context, a_mesh_placed_twice_is_shared_and_turns_with_the_campus) {
