@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "app/commands/qv_commands.h"
+#include "app/commands/qv_context_option.h"
 #include "app/commands/qv_progress.h"
 #include "app/pictures/qv_canvas.h"
 #include "app/pictures/qv_picture.h"
@@ -31,6 +32,7 @@ struct picture_arguments {
   std::string size = "1280x800";
   bool no_legend = false;
   std::optional<double> north;
+  qv_context_options context;
 };
 
 constexpr std::array<std::pair<const char*, qv_picture_view>, 7> views = {
@@ -138,13 +140,15 @@ int run_picture(const picture_arguments& arguments) {
   qv_output_folder folder(file.has_parent_path() ? file.parent_path() : ".");
   qv_picture_maker maker;
   qv_picture picture;
+  std::vector<std::string> context_notes;
   {
     qv_progress progress;
     const auto announce = [&progress](int step, int count, const char* what) {
       progress.begin_step(step, count, what);
     };
     announce(1, 5, "reading the model");
-    const qv_gbxml_model model = qv_read_gbxml(arguments.model);
+    qv_gbxml_model model = qv_read_gbxml(arguments.model);
+    context_notes = qv_add_context(model, arguments.context);
     qv_study_options options;
     options.north = arguments.north;
     const qv_model_findings findings = qv_compute_model(model, options, announce);
@@ -159,6 +163,7 @@ int run_picture(const picture_arguments& arguments) {
     folder.stage(file.filename().string(), qv_encode_png(picture.pixels));
   }
   folder.commit();
+  qv_print_notes(context_notes);
   std::string text;
   for (const std::string& note : picture.notes) text += "Note: " + note + "\n";
   qv_print(text + "Written to " + arguments.file + "\n");
@@ -211,6 +216,7 @@ void qv_add_picture_command(CLI::App& program, qv_command_action& action) {
                    "Degrees clockwise from true north of the model's +Y,\n"
                    "instead of what the file says")
       ->option_text("ANGLE");
+  qv_add_context_options(*command, arguments->context);
   command->footer(
       "Examples:\n"
       "  qv picture house.xml --out house.png\n"

@@ -6,7 +6,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <numeric>
+#include <numbers>
 
 #include "bim/envelope/qvi_connexion.h"
 
@@ -18,7 +18,7 @@ const qv_double3 light_direction = normalized(qv_double3(-0.45, 0.70, 0.55));
 
 constexpr qv_color edge_color(0.15f, 0.15f, 0.15f, 1.0f);
 constexpr qv_color ground_color(0.62f, 0.62f, 0.62f, 1.0f);
-// Of the model's larger side.
+// Of the model's extent.
 constexpr double ground_margin = 0.06;
 
 // Edges much shorter than this, px, would cover the faces between them: they fade.
@@ -70,7 +70,7 @@ class painter {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     load_camera(camera_);
     glEnableClientState(GL_VERTEX_ARRAY);
-    if (style_.ground) draw_ground();
+    draw_ground();
     draw_opaque_faces();
     draw_edges();
     draw_transparent_faces();
@@ -82,11 +82,10 @@ class painter {
   bool is_transparent(std::size_t part) const { return colors_[part].a < 1; }
 
   void draw_ground() const {
-    const std::vector<qv_double3> outline = qv_ground_outline(geometry_.get_points(), camera_);
     glColor4f(ground_color.r, ground_color.g, ground_color.b, ground_color.a);
     glLineWidth(static_cast<GLfloat>(style_.edge_width));
     glBegin(GL_LINE_LOOP);
-    for (const qv_double3& corner : outline) glVertex3d(corner.x, corner.y, corner.z);
+    for (const qv_double3& corner : style_.ground) glVertex3d(corner.x, corner.y, corner.z);
     glEnd();
   }
 
@@ -252,29 +251,47 @@ void qv_paint_highlights(qv_scene& scene, const qv_double3& origin, const qv_cam
   }
 }
 
-std::vector<qv_double3> qv_ground_outline(std::span<const qv_double3> points,
-                                          const qv_camera& camera) {
-  // Along the model's own axes, which every view but the slanted ones is square to.
-  qv_double3 across = camera.get_right();
-  if (camera.get_view() == qv_picture_view::iso || camera.is_perspective())
-    across = normalized(across + qv_double3(-across.y, across.x, 0));
-  const qv_double3 along(-across.y, across.x, 0);
+std::vector<qv_double3> qv_ground_outline(std::span<const qv_double3> points) {
+  constexpr std::size_t direction_count = 32;
   constexpr double far = std::numeric_limits<double>::infinity();
-  qv_double3 low(far, far, far);
-  qv_double3 high(-far, -far, -far);
-  for (const qv_double3& point : points) {
-    const qv_double3 turned(across.dot(point), along.dot(point), point.z);
-    if (!std::isfinite(turned.x + turned.y + turned.z)) continue;
-    low = min(low, turned);
-    high = max(high, turned);
-  }
-  if (!(low.x <= high.x)) return {};
-  const double margin = ground_margin * std::max(high.x - low.x, high.y - low.y);
-  const auto corner = [&](double x, double y) {
-    return across * x + along * y + qv_double3(0, 0, low.z);
+  struct direction {
+    double x = 0;
+    double y = 0;
+    double farthest = -far;
+    qv_double3 corner;
   };
-  return {corner(low.x - margin, low.y - margin), corner(high.x + margin, low.y - margin),
-          corner(high.x + margin, high.y + margin), corner(low.x - margin, high.y + margin)};
+  std::array<direction, direction_count> directions;
+  for (std::size_t i = 0; i < direction_count; ++i) {
+    const double angle = 2 * std::numbers::pi * static_cast<double>(i) / direction_count;
+    directions[i].x = std::cos(angle);
+    directions[i].y = std::sin(angle);
+  }
+  double lowest = far;
+  for (const qv_double3& point : points) {
+    if (!std::isfinite(point.x + point.y + point.z)) continue;
+    lowest = std::min(lowest, point.z);
+    for (direction& one : directions) {
+      const double reach = one.x * point.x + one.y * point.y;
+      if (reach <= one.farthest) continue;
+      one.farthest = reach;
+      one.corner = point;
+    }
+  }
+  std::vector<qv_double3> outline;
+  if (lowest == far) return outline;
+
+  qv_double3 middle;
+  for (const direction& one : directions) middle = middle + one.corner * (1.0 / direction_count);
+  middle.z = lowest;
+  double size = 0;
+  for (std::size_t i = 0; i < direction_count / 2; ++i)
+    size = std::max(size, directions[i].farthest + directions[i + direction_count / 2].farthest);
+  for (const direction& one : directions) {
+    const qv_double3 corner(one.corner.x, one.corner.y, lowest);
+    const qv_double3 moved = corner + normalized(corner - middle) * (ground_margin * size);
+    if (outline.empty() || !(outline.back() == moved)) outline.push_back(moved);
+  }
+  return outline;
 }
 
 }  // namespace qv

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "app/pictures/qv_camera.h"
@@ -22,8 +23,8 @@ struct qv_paint_style {
   bool square_ends = false;
   /// Opacity of edges, 0 … 1.
   double edge_opacity = 0.8;
-  /// An outline on the ground around the model.
-  bool ground = true;
+  /// An outline on the ground (`qv_ground_outline`); none when empty.
+  std::vector<qv_double3> ground;
 };
 
 /// Draws into the current frame buffer: white ground, the outline of the site, opaque parts with
@@ -37,9 +38,9 @@ void qv_paint(const qv_picture_geometry& geometry, const std::vector<qv_color>& 
 void qv_paint_highlights(qv_scene& scene, const qv_double3& origin, const qv_camera& camera,
                          double line_width);
 
-/// Corners of the outline on the ground: a rectangle along the model's axes, a little larger than
-/// the model, at its lowest level. None without points.
-std::vector<qv_double3> qv_ground_outline(std::span<const qv_double3> points,
-                                          const qv_camera& camera);
+/// Corners of an outline on the ground around the model: its convex hull seen from above, a little
+/// larger, at its lowest level. The hull is that of the outermost points in 32 directions. None
+/// without points; those that are not finite do not count.
+std::vector<qv_double3> qv_ground_outline(std::span<const qv_double3> points);
 
 }  // namespace qv

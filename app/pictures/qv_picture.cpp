@@ -53,9 +53,12 @@ void check_storey(const qv_picture_subject& subject, int storey, const std::stri
 
 qv_picture_geometry collect(const qv_picture_subject& subject, const qv_picture_options& options) {
   qv_scene& scene = *subject.scene;
-  if (shows_bridges(options)) return qv_collect_bridges(scene, options.storey);
-  if (is_cut(options)) return qv_collect_plan(scene, *options.storey);
-  return qv_collect_surfaces(scene, options.storey);
+  std::vector<qv_export_group> found;
+  if (subject.groups.empty()) found = qv_collect_export_groups(scene);
+  const std::vector<qv_export_group>& groups = subject.groups.empty() ? found : subject.groups;
+  if (shows_bridges(options)) return qv_collect_bridges(scene, groups, options.storey);
+  if (is_cut(options)) return qv_collect_plan(scene, groups, *options.storey);
+  return qv_collect_surfaces(scene, groups, options.storey);
 }
 
 // A plan tells by its floors what is told of rooms, and by its walls what is told of walls.
@@ -85,9 +88,7 @@ qv_paint_style style_of(const qv_picture_options& options, double text_size) {
   if (is_cut(options)) {
     style.shadow_share = 1;
     style.square_ends = true;
-    style.ground = false;
   }
-  if (options.view == qv_picture_view::plan) style.ground = false;
   if (shows_bridges(options)) style.edge_opacity = pale_edge_opacity;
   // Shades must not pass for other values, nor grey out a pale model.
   if (options.color == qv_picture_color::u || shows_bridges(options))
@@ -155,10 +156,11 @@ qv_picture qv_picture_maker::draw(const qv_picture_subject& subject,
   qv_camera camera(options.view, subject.azimuth);
   const qv_picture_layout layout = qv_lay_out_picture(
       ruler, options.width, options.height, options.with_key ? &coloring.key : nullptr, camera);
-  const qv_paint_style style = style_of(options, layout.text_size);
+  qv_paint_style style = style_of(options, layout.text_size);
   std::vector<qv_double3> points = geometry.get_points();
-  if (style.ground) {
-    for (const qv_double3& corner : qv_ground_outline(points, camera)) points.push_back(corner);
+  if (options.view != qv_picture_view::plan) {
+    style.ground = qv_ground_outline(points);
+    points.insert(points.end(), style.ground.begin(), style.ground.end());
   }
   camera.fit(points, options.width, options.height, layout.model);
   qv_paint(geometry, coloring.colors, camera, style);

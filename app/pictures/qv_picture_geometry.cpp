@@ -96,7 +96,7 @@ void for_each_corners(const qv_export_group& group, Take take) {
 
 class geometry_maker {
  public:
-  explicit geometry_maker(qv_scene& scene) : groups_(qv_collect_export_groups(scene)) {
+  explicit geometry_maker(const std::vector<qv_export_group>& groups) : groups_(groups) {
     made_.origin = middle_of(groups_);
   }
 
@@ -233,7 +233,7 @@ class geometry_maker {
     for (const qv_double3& end : ends) made_.line_ends.push_back(rounded(end - made_.origin));
   }
 
-  std::vector<qv_export_group> groups_;
+  const std::vector<qv_export_group>& groups_;
   std::unordered_map<const qv_item*, const qv_export_group*> by_item_;
   qv_picture_geometry made_;
 };
@@ -335,14 +335,16 @@ std::vector<qv_double3> qv_picture_geometry::get_points() const {
   return points;
 }
 
-qv_picture_geometry qv_collect_surfaces(qv_scene& scene, std::optional<int> storey) {
-  geometry_maker maker(scene);
+qv_picture_geometry qv_collect_surfaces(qv_scene& scene, const std::vector<qv_export_group>& groups,
+                                        std::optional<int> storey) {
+  geometry_maker maker(groups);
   add_surfaces(maker, scene, storey);
   return maker.take();
 }
 
-qv_picture_geometry qv_collect_bridges(qv_scene& scene, std::optional<int> storey) {
-  geometry_maker maker(scene);
+qv_picture_geometry qv_collect_bridges(qv_scene& scene, const std::vector<qv_export_group>& groups,
+                                       std::optional<int> storey) {
+  geometry_maker maker(groups);
   add_surfaces(maker, scene, storey);
   std::unordered_set<const qv_item*> walls;
   if (storey) walls = walls_of(scene, *storey);
@@ -358,8 +360,9 @@ qv_picture_geometry qv_collect_bridges(qv_scene& scene, std::optional<int> store
   return maker.take();
 }
 
-qv_picture_geometry qv_collect_plan(qv_scene& scene, int storey) {
-  geometry_maker maker(scene);
+qv_picture_geometry qv_collect_plan(qv_scene& scene, const std::vector<qv_export_group>& groups,
+                                    int storey) {
+  geometry_maker maker(groups);
   const std::vector<qvi_space*> spaces = spaces_of(scene, storey);
   for (const qvi_space* space : spaces) add_floors(maker, *space);
   for (const qvi_space* space : spaces) add_cuts(maker, *space);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/export/qv_export_groups.h"
 #include "core/items/qv_scene.h"
 #include "core/shapes/qv_double3.h"
 
@@ -57,15 +58,20 @@ struct qv_picture_geometry {
   std::vector<qv_double3> get_points() const;
 };
 
+// `groups` is what `qv_collect_export_groups` says of the scene.
+
 /// The surfaces of a model, or only those of one storey's rooms, without what lies over them.
-qv_picture_geometry qv_collect_surfaces(qv_scene& scene, std::optional<int> storey);
+qv_picture_geometry qv_collect_surfaces(qv_scene& scene, const std::vector<qv_export_group>& groups,
+                                        std::optional<int> storey);
 
 /// The same surfaces, and each thermal bridge that loses heat as a line.
-qv_picture_geometry qv_collect_bridges(qv_scene& scene, std::optional<int> storey);
+qv_picture_geometry qv_collect_bridges(qv_scene& scene, const std::vector<qv_export_group>& groups,
+                                       std::optional<int> storey);
 
 /// One storey from above: floors with their rooms' names, and where walls and openings are cut
 /// 1.2 m above the floor of each room (half way up in one lower than 2.4 m) as lines.
-qv_picture_geometry qv_collect_plan(qv_scene& scene, int storey);
+qv_picture_geometry qv_collect_plan(qv_scene& scene, const std::vector<qv_export_group>& groups,
+                                    int storey);
 
 /// The storeys that the model's rooms have, in ascending order.
 std::vector<int> qv_list_storeys(qv_scene& scene);

@@ -26,6 +26,7 @@ qv_picture_subject qv_make_picture_subject(const qv_gbxml_model& model,
   subject.scene = model.scene.get();
   subject.azimuth = study.location.azimuth.value_or(0.0);
   qv_scene& scene = *subject.scene;
+  subject.groups = qv_collect_export_groups(scene);
   auto& ids = subject.items_by_id;
   auto& u_values = subject.u_values;
   const auto take_id = [&ids](qv_item* item, const auto& result) {

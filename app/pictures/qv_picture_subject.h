@@ -2,7 +2,9 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
+#include "app/export/qv_export_groups.h"
 #include "core/items/qv_scene.h"
 
 namespace qv {
@@ -13,6 +15,8 @@ struct qv_study_results;
 /// A computed model, as pictures need it: its scene, and what a study found of its items.
 struct qv_picture_subject {
   qv_scene* scene = nullptr;
+  /// What is seen of it; where this is empty, each picture finds it anew.
+  std::vector<qv_export_group> groups;
   /// Azimuth of the model's own +Y axis, in degrees clockwise from the scene's, which is north.
   double azimuth = 0;
   /// W/(m²·K), of walls with their surface resistances; items whose U is not known are left out.

@@ -93,7 +93,7 @@ class qv_coloring_of_rooms : public testing::Test {
     subject_.scene = &scene_;
   }
   qv::qv_coloring color(qv_picture_color what) {
-    geometry_ = qv::qv_collect_surfaces(scene_, {});
+    geometry_ = qv::qv_collect_surfaces(scene_, qv::qv_collect_export_groups(scene_), {});
     qv::qv_coloring found = qv::qv_color_parts(subject_, geometry_, what);
     EXPECT_EQ(found.colors.size(), geometry_.parts.size());
     return found;
@@ -188,7 +188,7 @@ TEST_F(qv_coloring_of_rooms, measures_thermal_bridges_by_type) {
     scene_.add_child(bridge, -1);
   }
   scene_.precompute();
-  geometry_ = qv::qv_collect_bridges(scene_, {});
+  geometry_ = qv::qv_collect_bridges(scene_, qv::qv_collect_export_groups(scene_), {});
   const qv::qv_coloring found =
       qv::qv_color_parts(subject_, geometry_, qv_picture_color::thermal_bridges);
   EXPECT_EQ(text_of(found.key), "Thermal bridges: unknown 7.5 m,");
@@ -198,7 +198,7 @@ TEST_F(qv_coloring_of_rooms, measures_thermal_bridges_by_type) {
 TEST_F(qv_coloring_of_rooms, shows_a_storey_without_what_lies_over_it) {
   for (std::size_t i = 0; i < 4; ++i) block_.spaces[i]->set_floor(i < 2 ? 0 : 1);
   for (const int storey : {0, 1}) {
-    geometry_ = qv::qv_collect_surfaces(scene_, storey);
+    geometry_ = qv::qv_collect_surfaces(scene_, qv::qv_collect_export_groups(scene_), storey);
     const qv::qv_coloring found =
         qv::qv_color_parts(subject_, geometry_, qv_picture_color::contact_type);
     EXPECT_EQ(text_of(found.key), storey == 0
@@ -212,7 +212,7 @@ TEST_F(qv_coloring_of_rooms, shows_a_storey_without_what_lies_over_it) {
 TEST_F(qv_coloring_of_rooms, cuts_a_storey_at_walls_and_names_its_rooms) {
   for (std::size_t i = 0; i < 4; ++i) block_.spaces[i]->set_floor(i < 2 ? 0 : 1);
   block_.spaces[0]->set_name("Salon");
-  geometry_ = qv::qv_collect_plan(scene_, 0);
+  geometry_ = qv::qv_collect_plan(scene_, qv::qv_collect_export_groups(scene_), 0);
   ASSERT_EQ(geometry_.labels.size(), 2u);
   EXPECT_EQ(geometry_.labels[0].name, "Salon");
   EXPECT_EQ(geometry_.labels[0].figure, "20.0 m²");  // 4 × 5 m

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <random>
 
 #include "app/pictures/qv_frame_buffer.h"
@@ -40,7 +41,6 @@ qv::qv_pixels paint(const qv::qv_picture_geometry& geometry,
   camera.fit(geometry.get_points(), 160, 120, whole);
   qv::qv_paint_style style;
   style.shadow_share = 1;
-  style.ground = false;
   qv::qv_paint(geometry, colors, camera, style);
   return frame.read();
 }
@@ -129,6 +129,32 @@ TEST_F(picture_of_scene, lets_glass_be_seen_through_whatever_the_order) {
   const std::uint32_t panes = paint(geometry, {glass, glass, yellow, yellow}, camera).at(80, 60);
   EXPECT_NEAR(blue(panes), 191, 2);  // white 255, ×½ under yellow 128, ×½ + ½ · 255
   EXPECT_NEAR(red(panes), 128, 2);
+}
+
+TEST(qv_ground_outline, holds_the_model_on_its_lowest_level) {
+  std::mt19937 random(5);
+  std::uniform_real_distribution<double> coordinate(-40, 40);
+  std::vector<qv_double3> points;
+  double lowest = 1e9;
+  for (int i = 0; i < 200; ++i) {
+    points.emplace_back(coordinate(random), coordinate(random) / 3, coordinate(random));
+    lowest = std::min(lowest, points.back().z);
+  }
+  points.emplace_back(std::nan(""), 1e9, 0);
+  const std::vector<qv_double3> outline = qv::qv_ground_outline(points);
+  ASSERT_GT(outline.size(), 3u);
+  for (std::size_t i = 0; i < outline.size(); ++i) {
+    EXPECT_EQ(outline[i].z, lowest);
+    const qv_double3& next = outline[(i + 1) % outline.size()];
+    for (std::size_t j = 0; j + 1 < points.size(); ++j) {
+      // To the left of every side: the outline runs counter-clockwise.
+      EXPECT_GT((next.x - outline[i].x) * (points[j].y - outline[i].y) -
+                    (next.y - outline[i].y) * (points[j].x - outline[i].x),
+                0);
+    }
+  }
+  EXPECT_TRUE(qv::qv_ground_outline({}).empty());
+  EXPECT_TRUE(qv::qv_ground_outline(std::vector<qv_double3>{{std::nan(""), 0, 0}}).empty());
 }
 
 TEST_F(picture_of_scene, has_smooth_borders) {
