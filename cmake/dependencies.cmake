@@ -2,7 +2,6 @@
 find_package(Threads REQUIRED)
 find_package(OpenGL REQUIRED COMPONENTS OpenGL)
 find_package(embree 3 REQUIRED)
-find_package(TBB REQUIRED)
 find_package(pugixml REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(fmt REQUIRED)

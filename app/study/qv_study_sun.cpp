@@ -1,13 +1,11 @@
 #include "app/study/qv_study_sun.h"
 
-#include <tbb/parallel_for.h>
-#include <tbb/partitioner.h>
-
 #include <cmath>
 #include <mutex>
 
 #include "app/readers/qv_epw.h"
 #include "app/readers/qv_gbxml_reader.h"
+#include "app/study/qv_in_parallel.h"
 #include "app/study/qv_orientation.h"
 #include "app/study/qv_study_gather.h"
 #include "app/study/qv_study_results.h"
@@ -218,23 +216,15 @@ void qv_compute_sun(const qv_gbxml_model& model, const qv_solar_options& options
   const quiet_log quiet;
   std::mutex mutex;
   std::size_t done = 0;
-  bool stopped = false;
   // Each surface's result is its own whatever thread computes it.
-  tbb::task_group_context context;
-  tbb::parallel_for(
-      std::size_t{0}, surfaces.size(),
-      [&](std::size_t i) {
-        surfaces[i].compute(with, options.reflexions);
-        *surfaces[i].result = sum_up(surfaces[i], *weather, options);
-        const std::lock_guard guard(mutex);
-        ++done;
-        if (progress && !stopped && !progress(done, surfaces.size())) {
-          stopped = true;
-          context.cancel_group_execution();
-        }
-      },
-      tbb::simple_partitioner(), context);
-  if (stopped) throw qv_interrupted();
+  const bool finished = qv_in_parallel(surfaces.size(), options.threads, [&](std::size_t i) {
+    surfaces[i].compute(with, options.reflexions);
+    *surfaces[i].result = sum_up(surfaces[i], *weather, options);
+    const std::lock_guard guard(mutex);
+    ++done;
+    return !progress || progress(done, surfaces.size());
+  });
+  if (!finished) throw qv_interrupted();
   add_up_orientations(surfaces, study.sun);
 }
 

@@ -23,6 +23,8 @@ struct qv_solar_options {
   qv_solar_quality quality = qv_solar_quality::normal;
   /// Reflexions and diffuse transmissions that are followed.
   int reflexions = 2;
+  /// Surfaces that are computed at once; 0: one for each processor. No result depends on it.
+  unsigned int threads = 0;
   /// Keep the hours of every surface, not only months and sums; of a single one also their parts.
   bool keep_hours = false;
   /// Only the wall or opening with this id; empty: all.

@@ -38,7 +38,7 @@ std::string turn_loops(const std::string& text, unsigned mask) {
     std::string turned;
     for (std::size_t p = 0; p < loop.size();) {
       const std::size_t next = loop.find("</CartesianPoint>", p) + 17;
-      turned = loop.substr(p, next - p) + turned;
+      turned.insert(0, loop, p, next - p);
       p = next;
     }
     result += (mask >> index & 1U) != 0 ? turned : loop;
@@ -120,11 +120,11 @@ TEST(qv_gbxml_walls, the_normal_of_an_inner_floor_tells_which_space_is_above) {
       }
       const std::string first = low_first ? "low" : "high";
       const std::string second = low_first ? "high" : "low";
-      bytes.insert(
-          bytes.find("</Campus>"),
-          "<Surface id=\"slab\" surfaceType=\"InteriorFloor\"><AdjacentSpaceId spaceIdRef=\"" +
-              first + "\"/><AdjacentSpaceId spaceIdRef=\"" + second + "\"/>" +
-              qv_gbxml_text::planar(slab) + "</Surface>");
+      std::string surface = "<Surface id=\"slab\" surfaceType=\"InteriorFloor\">";
+      for (const std::string& space : {first, second})
+        surface.append("<AdjacentSpaceId spaceIdRef=\"").append(space).append("\"/>");
+      surface.append(qv_gbxml_text::planar(slab)).append("</Surface>");
+      bytes.insert(bytes.find("</Campus>"), surface);
       const auto model = qv::qv_read_gbxml_bytes("t.xml", bytes);
       const auto* wall = walls_of(model)["slab"];
       EXPECT_EQ(wall->get_space_0()->get_name(), first);

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tbb/global_control.h>
 
 #include <algorithm>
 #include <cmath>
@@ -99,9 +98,9 @@ TEST(qv_study_sun, tells_the_heat_through_openings) {
 }
 
 TEST(qv_study_sun, is_the_same_for_any_number_of_threads) {
-  const auto run = [](std::size_t threads) {
-    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+  const auto run = [](unsigned int threads) {
     auto options = draft();
+    options.solar.threads = threads;
     options.solar.weather.clear();
     options.solar.reflexions = 1;
     return qv::qv_study_json(qv::qv_run_study(options));

@@ -127,6 +127,25 @@ TEST(qv_receiver, knows_its_error_of_the_reflected_sun) {
   expect_right_sigma(readings, read(dense).value);
 }
 
+TEST(qv_receiver, knows_its_error_of_the_beam_of_many_steps) {
+  // With more steps than samples each, the steps' points are chosen from a common stock.
+  yard place(year_of_suns(900));
+  const auto readings = read_seeds(place.scene, place.polygon,
+                                   {.direct_rays = 16, .montecarlo_rays = 0, .ray_depth = 0},
+                                   [](const qv_receiver& receiver) {
+                                     return reading{total(receiver), receiver.get_sum_sigma()};
+                                   });
+  test_receiver few(place.scene, place.polygon,
+                    {.direct_rays = 16, .montecarlo_rays = 0, .ray_depth = 0});
+  few.compute(0);
+  EXPECT_GT(few.get_direct_samples(), 4096);
+  test_receiver dense(place.scene, place.polygon,
+                      {.direct_rays = 500000, .montecarlo_rays = 0, .ray_depth = 0});
+  dense.compute(-1);
+  expect_right_sigma(readings, total(dense));
+  EXPECT_NEAR(mean_of(readings), total(dense), 4 * few.get_sum_sigma() / std::sqrt(seed_count));
+}
+
 TEST(qv_receiver, knows_its_error_of_a_year) {
   yard place(year_of_suns(60));
   const auto readings = read_seeds(place.scene, place.polygon,

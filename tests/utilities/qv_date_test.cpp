@@ -25,6 +25,7 @@ TEST(qv_date, many_threads_never_get_the_same_date) {
   std::vector<std::vector<unsigned int>> dates(threads);
   {
     std::vector<std::jthread> workers;
+    workers.reserve(dates.size());
     for (auto& own : dates)
       workers.emplace_back([&own] {
         for (int i = 0; i < dates_each; ++i) own.push_back(qv_get_new_date());

@@ -73,12 +73,12 @@ TEST(qv_list, moving_hands_the_buffer_over_and_leaves_an_empty_list) {
   const std::string* const buffer = list.data();
   qv_list<std::string> moved(std::move(list));
   EXPECT_EQ(moved.data(), buffer);
-  EXPECT_TRUE(list.is_empty());
+  EXPECT_TRUE(list.is_empty());  // NOLINT(bugprone-use-after-move): it says what is left
   list.append("again");
   EXPECT_EQ(list.get_count(), 1);
   list = std::move(moved);
   EXPECT_EQ(list.data(), buffer);
-  EXPECT_TRUE(moved.is_empty());
+  EXPECT_TRUE(moved.is_empty());  // NOLINT(bugprone-use-after-move)
 }
 
 TEST(qv_list, equality_compares_counts_and_elements_in_order) {

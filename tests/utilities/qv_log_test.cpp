@@ -89,6 +89,7 @@ TEST(qv_log, lines_of_many_threads_never_overlap) {
   });
   {
     std::vector<std::jthread> workers;
+    workers.reserve(8);
     for (int t = 0; t < 8; ++t)
       workers.emplace_back([] {
         for (int i = 0; i < 500; ++i) qv_log_thread_safe("line %d", i);

@@ -42,6 +42,7 @@ TEST(qv_point_grid, agrees_with_a_search_through_all_points) {
   qv_random random(101);
   const auto dice = [&random] { return 20 * reach * (random.dice_double() - 0.5); };
   std::vector<point> points;
+  points.reserve(300);
   for (int i = 0; i < 300; ++i) points.push_back({dice() + 1e6, dice() - 1e6, i});
   const point_grid grid(points);
   int found = 0;

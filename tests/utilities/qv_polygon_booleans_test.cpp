@@ -193,7 +193,9 @@ TEST(qv_polygon_booleans, vertices_come_back_as_the_same_floats) {
   int kept = 0;
   for (int i = 0; i < 300; ++i) {
     // A hole well inside, so that no crumb is cut off the star and dropped.
-    const auto [plane, a, b] = make_random_pair(random, 0.3f);
+    const auto pair = make_random_pair(random, 0.3f);
+    const auto& [pair_plane, a, b] = pair;
+    const auto& plane = pair_plane;
     const qv_polygon both = unite(a, b);
     const qv_polygon common = intersect(a, b);
     const auto expect_kept = [&](const qv_polygon& from, const qv_polygon& other) {

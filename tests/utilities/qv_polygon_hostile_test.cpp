@@ -194,7 +194,7 @@ TEST(qv_polygon_hostile, every_pair_unites_intersects_and_subtracts) {
   for (const auto& [first_name, first] : all) {
     const double area = first.get_area();
     for (const auto& [second_name, second] : all) {
-      const std::string name = first_name + " / " + second_name;
+      const std::string name = std::string(first_name).append(" / ").append(second_name);
       qv_polygon both = first, common = first, without = first;
       both.unites(second);
       common.intersects(second);
@@ -261,7 +261,8 @@ TEST(qv_polygon_hostile, ten_thousand_vertices_of_every_kind_end) {
   for (int i = 0; i < count; ++i) {
     line.append({4 * random.dice_float(), 1, 0});
     point.append({1, 1, 0});
-    comb.append({4.0f * static_cast<float>(i / 2) / count, (i / 2 + i) % 2 == 0 ? 0.0f : 4.0f, 0});
+    const int tooth = i / 2;
+    comb.append({4.0f * static_cast<float>(tooth) / count, (tooth + i) % 2 == 0 ? 0.0f : 4.0f, 0});
     const float turn = 40 * 6.2831853f * i / count;
     const float radius = 1 + 4.0f * i / count;
     spiral.append({radius * std::cos(turn), radius * std::sin(turn), 0});
