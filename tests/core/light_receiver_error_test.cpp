@@ -129,7 +129,7 @@ TEST(qv_receiver, knows_its_error_of_the_reflected_sun) {
 
 TEST(qv_receiver, knows_its_error_of_the_beam_of_many_steps) {
   // With more steps than samples each, the steps' points are chosen from a common stock.
-  yard place(year_of_suns(900));
+  yard place(year_of_suns(6));
   const auto readings = read_seeds(place.scene, place.polygon,
                                    {.direct_rays = 16, .montecarlo_rays = 0, .ray_depth = 0},
                                    [](const qv_receiver& receiver) {
