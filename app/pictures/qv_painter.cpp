@@ -135,6 +135,11 @@ class painter {
     for (std::size_t part = 0; part < geometry_.parts.size(); ++part)
       if (!is_transparent(part))
         (geometry_.parts[part].space != nullptr ? of_rooms : others).push_back(part);
+    // The nearest first, so that what they hide is not coloured in vain.
+    for (std::vector<std::size_t>* parts : {&of_rooms, &others}) {
+      *parts = sorted_by_nearness(*parts);
+      std::reverse(parts->begin(), parts->end());
+    }
     glEnable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(2, 4);
     draw_faces(others);
@@ -168,15 +173,24 @@ class painter {
   }
 
   void draw_transparent_faces() const {
-    std::vector<std::pair<double, std::size_t>> by_nearness;
-    for (std::size_t part = 0; part < geometry_.parts.size(); ++part)
-      if (is_transparent(part)) by_nearness.emplace_back(nearness_of(part), part);
-    std::sort(by_nearness.begin(), by_nearness.end());
     std::vector<std::size_t> parts;
-    for (const auto& [nearness, part] : by_nearness) parts.push_back(part);
+    for (std::size_t part = 0; part < geometry_.parts.size(); ++part)
+      if (is_transparent(part)) parts.push_back(part);
     glDepthMask(GL_FALSE);
-    draw_faces(parts);
+    draw_faces(sorted_by_nearness(parts));
     glDepthMask(GL_TRUE);
+  }
+
+  // The same parts, the nearest to the viewer last.
+  std::vector<std::size_t> sorted_by_nearness(const std::vector<std::size_t>& parts) const {
+    std::vector<std::pair<double, std::size_t>> by_nearness;
+    by_nearness.reserve(parts.size());
+    for (const std::size_t part : parts) by_nearness.emplace_back(nearness_of(part), part);
+    std::sort(by_nearness.begin(), by_nearness.end());
+    std::vector<std::size_t> sorted;
+    sorted.reserve(parts.size());
+    for (const auto& [nearness, part] : by_nearness) sorted.push_back(part);
+    return sorted;
   }
 
   double nearness_of(std::size_t part) const {

@@ -7,8 +7,10 @@
 #include <cmath>
 #include <limits>
 #include <set>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "app/export/qv_export_groups.h"
 #include "bim/envelope/qvi_connexion.h"
@@ -84,6 +86,12 @@ qv_3dvector rounded(const qv_double3& v) {
 }
 
 using triangle = std::array<qv_3dvector, 3>;
+using edge = std::array<qv_3dvector, 2>;
+
+// By x, then y, then z.
+bool comes_before(const qv_3dvector& a, const qv_3dvector& b) {
+  return std::tie(a.x, a.y, a.z) < std::tie(b.x, b.y, b.z);
+}
 
 // Calls `take` with the corners of each triangle of a group.
 template <class Take>
@@ -162,7 +170,17 @@ class geometry_maker {
     made_.labels.push_back(std::move(label));
   }
 
-  qv_picture_geometry take() { return std::move(made_); }
+  qv_picture_geometry take() {
+    // Neighbours have the same edges: drawn twice they would be darker, and take twice the time.
+    std::sort(edges_.begin(), edges_.end(), [](const edge& a, const edge& b) {
+      return a[0] == b[0] ? comes_before(a[1], b[1]) : comes_before(a[0], b[0]);
+    });
+    edges_.erase(std::unique(edges_.begin(), edges_.end()), edges_.end());
+    made_.edge_ends.reserve(2 * edges_.size());
+    for (const edge& one : edges_)
+      made_.edge_ends.insert(made_.edge_ends.end(), one.begin(), one.end());
+    return std::move(made_);
+  }
 
  private:
   qv_picture_part& begin_part(qv_item* item, const std::string& kind) {
@@ -170,7 +188,6 @@ class geometry_maker {
     part.item = item;
     part.kind = kind;
     part.triangles.first = made_.corners.size();
-    part.edges.first = made_.edge_ends.size();
     part.lines.first = made_.line_ends.size();
     return part;
   }
@@ -178,7 +195,6 @@ class geometry_maker {
   void end_part() {
     qv_picture_part& part = made_.parts.back();
     part.triangles.count = made_.corners.size() - part.triangles.first;
-    part.edges.count = made_.edge_ends.size() - part.edges.first;
     part.lines.count = made_.line_ends.size() - part.lines.first;
   }
 
@@ -198,8 +214,9 @@ class geometry_maker {
 
   void add_edge(const qv_3dvector& from, const qv_3dvector& to) {
     if (!from.is_finite() || !to.is_finite()) return;
-    made_.edge_ends.push_back(placed(from));
-    made_.edge_ends.push_back(placed(to));
+    edge found{placed(from), placed(to)};
+    if (comes_before(found[1], found[0])) std::swap(found[0], found[1]);
+    edges_.push_back(found);
   }
 
   // Of a polygon its contours, though it be bent; of other meshes where they end or fold.
@@ -235,6 +252,7 @@ class geometry_maker {
 
   const std::vector<qv_export_group>& groups_;
   std::unordered_map<const qv_item*, const qv_export_group*> by_item_;
+  std::vector<edge> edges_;
   qv_picture_geometry made_;
 };
 

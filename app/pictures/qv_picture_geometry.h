@@ -29,7 +29,6 @@ struct qv_picture_part {
   /// One sees through it.
   bool glazed = false;
   qv_picture_run triangles;  // in `corners`, a multiple of three
-  qv_picture_run edges;      // in `edge_ends`, even
   qv_picture_run lines;      // in `line_ends`, even: drawn thick
 };
 
@@ -46,6 +45,7 @@ struct qv_picture_label {
 struct qv_picture_geometry {
   qv_double3 origin;  // in the scene's frame
   std::vector<qv_3dvector> corners;
+  /// Of all parts, those that several share once.
   std::vector<qv_3dvector> edge_ends;
   std::vector<qv_3dvector> line_ends;
   std::vector<qv_picture_part> parts;
