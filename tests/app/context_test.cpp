@@ -14,6 +14,7 @@
 #include "app/export/qv_export_groups.h"
 #include "app/export/qv_export_obj.h"
 #include "app/readers/qv_epw.h"
+#include "app/readers/qv_triangle_file.h"
 #include "app/study/qv_study.h"
 #include "app/study/qv_study_gather.h"
 #include "bim/hierarchy/qvi_campus.h"
@@ -371,17 +372,20 @@ TEST_F(qv_context, survives_damaged_files) {
     return static_cast<std::size_t>(state >> 8U) % count;
   };
   int read = 0;
-  for (int round = 0; round < 300; ++round) {
+  for (int round = 0; round < 60; ++round) {
     std::string text = round % 3 == 0 ? glb : round % 3 == 1 ? gltf : pane_obj;
     for (std::size_t i = 0; i < 1 + next(3); ++i)
       text[next(text.size())] = static_cast<char>(next(256));
     if (next(4) == 0) text.resize(next(text.size()));
     const char* name = round % 3 == 0 ? "f.glb" : round % 3 == 1 ? "f.gltf" : "f.obj";
-    const std::string words = complaint(write(name, text));
-    EXPECT_TRUE(words.empty() || words.starts_with("3: ")) << words;
-    read += words.empty() ? 1 : 0;
+    try {
+      qv::qv_read_triangle_file(write(name, text));
+      ++read;
+    } catch (const qv::qv_input_error& e) {
+      EXPECT_EQ(e.get_kind(), qv::qv_input_error::kind::bad_input) << e.what();
+    }
   }
-  EXPECT_GT(read, 20);
+  EXPECT_GT(read, 3);
 }
 
 // --- round trips ---
@@ -525,8 +529,8 @@ TEST_F(qv_context, goes_with_study_check_and_export) {
   const std::string odd =
       write("odd.obj", "g odd\nv 0 -9 0\nv 1 -9 0\nv 0 -9 1\nf 1 2 3\nf 1 1 2\n");
   const std::string out = (folder_.path() / "out").string();
-  const qv_program_run study =
-      qv_run({"study", "--context", pane, house, "--context", odd, "--out", out, "--no-solar"});
+  const qv_program_run study = qv_run({"study", "--context", pane, house, "--context", odd, "--out",
+                                       out, "--no-solar", "--no-pictures"});
   ASSERT_EQ(study.exit_code, 0) << study.errors;
   EXPECT_THAT(study.output, HasSubstr("3 objects"));
   EXPECT_THAT(study.output, HasSubstr("odd.obj: 1 triangle without area was left out"));
