@@ -55,6 +55,49 @@ irradiation get_clear_sky(double sun_elevation, double place_elevation, double n
   return {direct, std::max(0.0, outside * at_zenith * (a0 + sine * (a1 + sine * a2)))};
 }
 
+/// The part of a time step in which the sun is up.
+struct lit_part {
+  qv_moment middle;
+  double share = 1;  // of the step
+};
+
+qv_moment later(const qv_moment& moment, double hours) {
+  return {moment.day, moment.fraction + hours / 24};
+}
+
+/// Steps of sunrise and sunset, on whose middle the sun may be down while it shone in a part of
+/// them, are lit between the horizon and the step's end that has the sun; all others are lit whole.
+lit_part find_lit_part(qv_sun_position& position, const qv_moment& middle, double step_hours) {
+  const auto is_up = [&](double hours) {
+    return position.get_angles(later(middle, hours)).elevation > 0;
+  };
+  const double half = step_hours / 2;
+  const bool up_first = is_up(-half), up_last = is_up(half);
+  if (up_first == up_last) return {middle, 1};
+  double dark = up_first ? half : -half, lit = -dark;
+  constexpr double close_enough = 1e-3;  // h
+  while (std::fabs(dark - lit) > close_enough) {
+    const double between = (dark + lit) / 2;
+    (is_up(between) ? lit : dark) = between;
+  }
+  const double end = up_first ? -half : half;
+  return {later(middle, (lit + end) / 2), std::fabs(end - lit) / step_hours};
+}
+
+/// A sun so high in the middle of a step of an hour is up all through it: it sinks by 15° an hour
+/// at most.
+bool may_rise_or_set(double elevation, double step_hours) {
+  constexpr double steepest = 15, for_the_air = 1;
+  return std::fabs(elevation) < steepest * step_hours / 2 + for_the_air;
+}
+
+/// Where the sun stands in the middle of the lit part of a step.
+lit_part get_lit_part(qv_sun_position& position, const qv_moment& middle, double step_hours) {
+  return may_rise_or_set(position.get_angles(middle).elevation, step_hours)
+             ? find_lit_part(position, middle, step_hours)
+             : lit_part{middle, 1};
+}
+
 }  // namespace
 
 void qv_fill_sun(const qv_weather& weather, double model_azimuth, qvi_sun& sun) {
@@ -66,7 +109,9 @@ void qv_fill_sun(const qv_weather& weather, double model_azimuth, qvi_sun& sun) 
   direct.reserve(count);
   diffuse.reserve(count);
   for (const qv_weather_step& step : weather.steps) {
-    const qv_sun_angles angles = position.get_angles(step.middle);
+    const qv_sun_angles angles = position.get_angles(
+        step.direct > 0 ? get_lit_part(position, step.middle, weather.step_hours).middle
+                        : step.middle);
     const double elevation = angles.elevation * radians;
     const double azimuth = (angles.azimuth - model_azimuth) * radians;
     directions.append({static_cast<float>(std::cos(elevation) * std::sin(azimuth)),
@@ -100,10 +145,11 @@ qv_weather qv_make_clear_sky_year(double latitude, double longitude, double elev
         step.day = day;
         step.hour = hour + 0.5;
         step.middle = qv_make_moment(clear_sky_year, month, day, 60 * step.hour, weather.time_zone);
+        const lit_part lit = get_lit_part(position, step.middle, weather.step_hours);
         const irradiation sky =
-            get_clear_sky(position.get_angles(step.middle).elevation, elevation, nearness);
-        step.direct = static_cast<float>(sky.direct);
-        step.diffuse = static_cast<float>(sky.diffuse);
+            get_clear_sky(position.get_angles(lit.middle).elevation, elevation, nearness);
+        step.direct = static_cast<float>(lit.share * sky.direct);
+        step.diffuse = static_cast<float>(lit.share * sky.diffuse);
         weather.steps.push_back(step);
       }
     }

@@ -41,9 +41,9 @@ struct qv_weather {
   std::vector<std::string> warnings;
 };
 
-/// Unit directions towards the sun at the middle of each step, written into `sun` together with the
-/// irradiations. `model_azimuth` says by how many degrees clockwise the model's +Y turns away from
-/// north; up is +z.
+/// Unit directions towards the sun at the middle of each step, or of that part of it in which the
+/// sun is up, written into `sun` together with the irradiations. `model_azimuth` says by how many
+/// degrees clockwise the model's +Y turns away from north; up is +z.
 void qv_fill_sun(const qv_weather& weather, double model_azimuth, qvi_sun& sun);
 
 /// A year of 8,760 hours under a clear sky, by the model of the European Solar Radiation Atlas

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <numbers>
 #include <sstream>
 
 #include "core/light/qvi_sun.h"
@@ -277,6 +278,46 @@ TEST(qv_weather, turns_directions_with_the_model) {
   EXPECT_NEAR(east_up.x, -north_up.y, 1e-6);
   EXPECT_NEAR(east_up.y, north_up.x, 1e-6);
   EXPECT_NEAR(east_up.z, north_up.z, 1e-6);
+  qv_item::destroy(sun);
+}
+
+TEST(qv_weather, looks_for_the_sun_in_the_part_of_the_hour_in_which_it_is_up) {
+  qv_weather weather;
+  weather.latitude = 48;
+  weather.longitude = 3;
+  for (int month : {1, 6, 10}) {
+    for (int hour = 0; hour < 24; ++hour) {
+      qv_weather_step step;
+      step.middle = qv_make_moment(2001, month, 14, 60 * hour + 30, 0);
+      step.direct = 100;
+      weather.steps.push_back(step);
+    }
+  }
+  qvi_sun* sun = new qvi_sun;
+  qv_fill_sun(weather, 0, *sun);
+  qv_sun_position position(weather.latitude, weather.longitude, weather.elevation);
+  int rises = 0;
+  for (std::size_t i = 0; i < weather.steps.size(); ++i) {
+    // Minute by minute.
+    double first = 0, last = 0;
+    int minutes = 0;
+    for (int minute = 0; minute < 60; ++minute) {
+      const double hours = (minute + 0.5) / 60 - 0.5;
+      qv_moment moment = weather.steps[i].middle;
+      moment.fraction += hours / 24;
+      if (position.get_angles(moment).elevation <= 0) continue;
+      if (minutes++ == 0) first = hours;
+      last = hours;
+    }
+    if (minutes > 0 && minutes < 60) ++rises;
+    qv_moment middle = weather.steps[i].middle;
+    if (minutes > 0) middle.fraction += (first + last) / 2 / 24;
+    const qv_sun_angles angles = position.get_angles(middle);
+    const qv_3dvector found = sun->get_directions()[static_cast<int>(i)];
+    EXPECT_NEAR(std::asin(found.z) * 180 / std::numbers::pi, angles.elevation, 0.2) << i;
+    EXPECT_EQ(found.z > 0, minutes > 0) << i;
+  }
+  EXPECT_EQ(rises, 6);
   qv_item::destroy(sun);
 }
 
