@@ -64,6 +64,7 @@ auto value_of(const Table& table, const std::string& word) {
 template <class Table>
 std::vector<std::string> words_of(const Table& table) {
   std::vector<std::string> words;
+  words.reserve(table.size());
   for (const auto& entry : table) words.emplace_back(entry.first);
   return words;
 }
