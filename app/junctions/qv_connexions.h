@@ -18,8 +18,8 @@ qv_wall_outline qv_outline_of(const qvi_wall& wall);
 /// follow from the scene's next `precompute`. Returns how many were added.
 ///
 /// Balconies, canopies and fins that stand in the scene as objects take part: each flat face
-/// (`qvi_polygon`) of an object along which it meets a wall that bounds a space becomes a wall of no
-/// space too, below the object's campus, with the object's own polygon as its face.
+/// (`qvi_polygon`) of an object along which it meets a wall that bounds a space becomes a wall of
+/// no space too, below the object's campus, with the object's own polygon as its face.
 ///
 /// Connexions that are there already stay; the caller removes those of an earlier call.
 int qv_add_connexions(qv_scene& scene);

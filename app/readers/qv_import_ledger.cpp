@@ -9,7 +9,8 @@ namespace qv {
 
 const char* qv_import_ledger::get_kind_name(kind value) {
   static constexpr std::array<const char*, kind_count> names = {
-      "Space", "Surface", "Opening", "WindowType", "Construction", "Layer", "Material", "Zone", "Object"};
+      "Space", "Surface",  "Opening", "WindowType", "Construction",
+      "Layer", "Material", "Zone",    "Object"};
   return names[static_cast<std::size_t>(value)];
 }
 
@@ -83,7 +84,11 @@ bool qv_import_ledger::area_balance::is_balanced() const {
 }
 
 qv_import_ledger::area_balance qv_import_ledger::get_balance() const {
-  return {get_area(kind::surface), walls_, shading_, objects_, get_area(kind::surface, outcome::merged),
+  return {get_area(kind::surface),
+          walls_,
+          shading_,
+          objects_,
+          get_area(kind::surface, outcome::merged),
           get_area(kind::surface, outcome::dropped)};
 }
 

@@ -18,7 +18,8 @@ struct qv_model_findings {
 };
 
 /// The values of a computed model as plain structs: buildings, spaces, walls, objects and
-/// compositions in scene order, and the ledger. "source", "notes" and "model_json" are the caller's.
+/// compositions in scene order, and the ledger. "source", "notes" and "model_json" are the
+/// caller's.
 ///
 /// An id is that of the source element; the second element of the same id becomes "ID#2", and one
 /// without an id gets its kind and rank ("wall-12").
