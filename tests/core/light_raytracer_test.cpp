@@ -155,6 +155,60 @@ TEST(qv_raytracer, agrees_with_trying_every_triangle) {
   EXPECT_GT(hits, 300);
 }
 
+TEST(qv_raytracer, finds_the_hits_of_a_packet_as_of_single_rays) {
+  const auto mesh = make_mesh(scatter(2000, 30, 5));
+  const auto other = make_mesh(scatter(1000, 30, 6));
+  const auto late = make_mesh(scatter(100, 30, 7));
+  qv_raytracer tracer({mesh.get(), other.get()});
+  tracer.update();
+  // A second structure beside the first, which now has triangles that are not there any more.
+  tracer.set_meshes({other.get(), late.get()});
+  tracer.update();
+  qv_random random(9);
+  int hit_count = 0;
+  for (int round = 0; round < 1000; ++round) {
+    qv_ray_packet packet;
+    packet.count = 1 + round % qv_ray_packet::size;
+    std::vector<qv_ray> rays;
+    for (int i = 0; i < packet.count; ++i) {
+      const float x = random.dice_float(), y = random.dice_float(), z = random.dice_float();
+      rays.emplace_back(qv_3dvector(x, y, z) * 30, random.dice_vector());
+      packet.set_ray(i, rays.back().origin, rays.back().direction);
+    }
+    qv_packet_hits hits;
+    tracer.find_hits(packet, hits);
+    for (int i = 0; i < packet.count; ++i) {
+      qv_ray& ray = rays[static_cast<std::size_t>(i)];
+      ASSERT_EQ(hits.distance[i] >= 0, tracer.raytrace(ray));
+      if (hits.distance[i] < 0) continue;
+      ++hit_count;
+      EXPECT_NEAR(hits.distance[i], ray.hit_distance, 1e-5f * ray.hit_distance);
+      EXPECT_EQ(hits.mesh_index[i], ray.hit_mesh_index);
+      EXPECT_EQ(hits.normal[i], ray.hit_normal);
+    }
+  }
+  EXPECT_GT(hit_count, 500);
+}
+
+TEST(qv_raytracer, gives_a_packet_the_first_of_coincident_meshes) {
+  const auto first = make_mesh(square(4, 2)), second = make_mesh(square(4, 2));
+  qv_packet_hits hits;
+  qv_ray_packet packet;
+  packet.count = qv_ray_packet::size;
+  for (int i = 0; i < packet.count; ++i)
+    packet.set_ray(i, {0.3f * static_cast<float>(i) - 1, 0.2f, 0}, {0, 0, 1});
+  for (const auto& meshes : {qv_list<qvi_mesh*>{first.get(), second.get()},
+                             qv_list<qvi_mesh*>{second.get(), first.get()}}) {
+    qv_raytracer tracer(meshes);
+    tracer.update();
+    tracer.find_hits(packet, hits);
+    for (int i = 0; i < packet.count; ++i) {
+      EXPECT_FLOAT_EQ(hits.distance[i], 2);
+      EXPECT_EQ(hits.mesh_index[i], 0);
+    }
+  }
+}
+
 TEST(qv_raytracer, lets_nothing_through_shared_edges_and_corners) {
   const std::vector<corners> triangles = sphere({30, -20, 10}, 3, 60);
   const auto mesh = make_mesh(triangles);

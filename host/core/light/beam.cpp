@@ -1,9 +1,10 @@
 #include "core/light/beam.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
-#include <optional>
+#include <memory>
 
 #include "core/light/mirrors.h"
 #include "core/light/qv_raytracer.h"
@@ -45,9 +46,8 @@ class step_random {
 /// Points of a surface, evenly along its row (`surface_sampler`), to be chosen from where many
 /// steps need a few points each: a choice costs a fraction of a new point.
 ///
-/// They are themselves random, one in each of 2,048 equal parts of the row, and low-discrepancy
-/// across it: what they are off the whole surface is small beside what a step's few samples are off
-/// them.
+/// They are themselves random, one in each of 2,048 equal parts of the area: what they are off the
+/// whole surface is small beside what a step's few samples are off them.
 class point_pool {
  public:
   static constexpr int bit_count = 11;
@@ -56,14 +56,11 @@ class point_pool {
   static constexpr int most_samples = size / 64;
 
   point_pool(const surface_sampler& surface, step_random random) {
-    const auto turn = static_cast<std::uint32_t>(random.dice());
-    points_.reserve(size);
-    for (std::uint32_t i = 0; i < size; ++i) {
+    for (int i = 0; i < size; ++i) {
       const std::uint64_t bits = random.dice();
       const double within = to_unit(static_cast<std::uint32_t>(bits >> 32));
-      const std::uint32_t below = static_cast<std::uint32_t>(bits) >> bit_count;
-      points_.push_back(
-          surface.get_point((i + within) / size, to_unit(reverse_bits(i) ^ turn ^ below), 0));
+      points_[static_cast<std::size_t>(i)] = surface.get_point(
+          (i + within) / size, to_unit(static_cast<std::uint32_t>(bits)), bit_count - 1);
     }
   }
 
@@ -72,52 +69,75 @@ class point_pool {
   }
 
  private:
-  std::vector<qv_3dvector> points_;
+  std::array<qv_3dvector, size> points_;
 };
 
-/// Two points in each of `count` / 2 equal strata of a surface's row.
-class paired_points {
+/// Positions on a surface's row, as shares of 2³²: two in each of `count` / 2 equal strata.
+class paired_positions {
  public:
-  /// The points are of `pool` unless it is null.
-  paired_points(const surface_sampler& surface, const point_pool* pool, int count,
-                step_random random)
-      : surface_(surface),
-        pool_(pool),
-        fineness_(std::bit_width(static_cast<unsigned int>(count / 2 - 1))),
-        width_((std::uint64_t{1} << 32) / static_cast<unsigned int>(count / 2)),
+  paired_positions(int count, step_random random)
+      : width_((std::uint64_t{1} << 32) / static_cast<unsigned int>(count / 2)),
         random_(random),
         stratum_(static_cast<std::uint32_t>(random_.dice() >> 32)) {}
 
-  /// Calls `use` with the next stratum's two points.
-  template <class taker>
-  void take_pair(taker use) {
+  /// Two of the next stratum.
+  std::array<std::uint32_t, 2> take() {
     const std::uint64_t bits = random_.dice();
-    const std::uint32_t first = get_position(bits >> 32), second = get_position(bits & 0xffffffffu);
+    const std::array<std::uint32_t, 2> pair = {get_position(bits >> 32, 32),
+                                               get_position(bits & 0xffffffffu, 32)};
     stratum_ += static_cast<std::uint32_t>(width_);
-    if (pool_ != nullptr) {
-      use(pool_->get_point(first), pool_->get_point(second));
-    } else {
-      const std::uint64_t across = random_.dice();
-      use(surface_.get_point(first * 0x1p-32, to_unit(static_cast<std::uint32_t>(across >> 32)),
-                             fineness_),
-          surface_.get_point(second * 0x1p-32, to_unit(static_cast<std::uint32_t>(across)),
-                             fineness_));
+    return pair;
+  }
+
+  /// Those of the next four strata, each one of 2¹⁶ that its stratum has: enough for a choice among
+  /// the points of a pool, for half the random numbers.
+  void take_packet(std::array<std::uint32_t, qv_ray_packet::size>& positions) {
+    for (std::size_t i = 0; i < positions.size();) {
+      std::uint64_t bits = random_.dice();
+      for (int pair = 0; pair < 2; ++pair) {
+        for (int k = 0; k < 2; ++k, bits >>= 16) positions[i++] = get_position(bits & 0xffffu, 16);
+        stratum_ += static_cast<std::uint32_t>(width_);
+      }
     }
   }
 
+  std::uint64_t dice() { return random_.dice(); }
+
  private:
-  std::uint32_t get_position(std::uint64_t bits) const {
-    return stratum_ + static_cast<std::uint32_t>((bits * width_) >> 32);
+  std::uint32_t get_position(std::uint64_t bits, int bit_count) const {
+    return stratum_ + static_cast<std::uint32_t>((bits * width_) >> bit_count);
   }
 
-  const surface_sampler& surface_;
-  const point_pool* pool_;
-  int fineness_;
   std::uint64_t width_;  // of a stratum, as a share of 2³²
   step_random random_;
   // Where the next stratum begins, going round. The first begins anywhere: straight shadows and
   // strata would else often have edges in common, and errors would be none or rare and large.
   std::uint32_t stratum_;
+};
+
+/// Points of a surface at such positions.
+class paired_points {
+ public:
+  paired_points(const surface_sampler& surface, int count, step_random random)
+      : surface_(surface),
+        fineness_(std::bit_width(static_cast<unsigned int>(count / 2 - 1))),
+        positions_(count, random) {}
+
+  /// Calls `use` with the next stratum's two points.
+  template <class taker>
+  void take_pair(taker use) {
+    const auto [first, second] = positions_.take();
+    const std::uint64_t across = positions_.dice();
+    use(surface_.get_point(first * 0x1p-32, to_unit(static_cast<std::uint32_t>(across >> 32)),
+                           fineness_),
+        surface_.get_point(second * 0x1p-32, to_unit(static_cast<std::uint32_t>(across)),
+                           fineness_));
+  }
+
+ private:
+  const surface_sampler& surface_;
+  int fineness_;
+  paired_positions positions_;
 };
 
 /// Mean of pairs of samples, each pair from a stratum of its own, and the square of its standard
@@ -131,6 +151,17 @@ struct pair_sums {
     sum += first + second;
     squares += (first - second) * (first - second);
     count += 2;
+  }
+  /// The pairs of a whole packet.
+  void add_packet(const float* light) {
+    float packet_sum = 0, packet_squares = 0;
+    for (int i = 0; i < qv_ray_packet::size; i += 2) {
+      packet_sum += light[i] + light[i + 1];
+      packet_squares += (light[i] - light[i + 1]) * (light[i] - light[i + 1]);
+    }
+    sum += packet_sum;
+    squares += packet_squares;
+    count += qv_ray_packet::size;
   }
   void add(const pair_sums& others) {
     sum += others.sum;
@@ -156,23 +187,50 @@ int get_step_samples(double rays, std::size_t steps, int least) {
                         : (static_cast<int>(std::ceil(share)) + packet - 1) / packet * packet;
 }
 
+void set_directions(qv_ray_packet& packet, const qv_3dvector& direction) {
+  std::fill_n(packet.direction_x, qv_ray_packet::size, direction.x);
+  std::fill_n(packet.direction_y, qv_ray_packet::size, direction.y);
+  std::fill_n(packet.direction_z, qv_ray_packet::size, direction.z);
+}
+
+void set_origin(qv_ray_packet& packet, int index, const qv_3dvector& origin) {
+  packet.origin_x[index] = origin.x;
+  packet.origin_y[index] = origin.y;
+  packet.origin_z[index] = origin.z;
+}
+
+/// Samples a step at points of `pool`, or at new ones when it is null. `packet` is room to work in.
 pair_sums sample_step(const light_scene& scene, const surface_sampler& surface,
-                      const point_pool* pool, const lit_step& step, int count, int block,
-                      std::uint32_t seed) {
+                      const point_pool* pool, const lit_step& step, int count, step_random random,
+                      qv_ray_packet& packet) {
   constexpr int size = qv_ray_packet::size;
-  paired_points points(surface, pool, count, step_random(seed, step.step, block));
   pair_sums sums;
-  qv_ray_packet packet;
   packet.count = size;
-  for (int done = 0; done < count; done += size) {
-    for (int i = 0; i < size; i += 2) {
-      points.take_pair([&](const qv_3dvector& first, const qv_3dvector& second) {
-        packet.set_ray(i, first, step.direction);
-        packet.set_ray(i + 1, second, step.direction);
-      });
-    }
+  set_directions(packet, step.direction);
+  const auto trace = [&] {
     scene.tracer->find_light(packet, scene.get_transmission(), true);
-    for (int i = 0; i < size; i += 2) sums.add(packet.light[i], packet.light[i + 1]);
+    sums.add_packet(packet.light);
+  };
+  if (pool != nullptr) {
+    paired_positions positions(count, random);
+    std::array<std::uint32_t, size> chosen;
+    for (int done = 0; done < count; done += size) {
+      positions.take_packet(chosen);
+      for (int i = 0; i < size; ++i)
+        set_origin(packet, i, pool->get_point(chosen[static_cast<std::size_t>(i)]));
+      trace();
+    }
+  } else {
+    paired_points points(surface, count, random);
+    for (int done = 0; done < count; done += size) {
+      for (int i = 0; i < size; i += 2) {
+        points.take_pair([&](const qv_3dvector& first, const qv_3dvector& second) {
+          set_origin(packet, i, first);
+          set_origin(packet, i + 1, second);
+        });
+      }
+      trace();
+    }
   }
   return sums;
 }
@@ -183,7 +241,7 @@ double square(double value) {
 
 pair_sums sample_way(const mirrors& over, const surface_sampler& surface, const qv_3dvector& normal,
                      const lit_step& step, std::int64_t way, int count, step_random random) {
-  paired_points points(surface, nullptr, count, random);
+  paired_points points(surface, count, random);
   pair_sums sums;
   const auto sample = [&](const qv_3dvector& point) {
     qv_3dvector seen_at;
@@ -219,13 +277,14 @@ step_estimates estimate_beam(const light_scene& scene, const surface_sampler& su
     return found;
   }
 
-  std::optional<point_pool> pool;
+  std::unique_ptr<const point_pool> pool;
   if (step_samples <= point_pool::most_samples &&
       static_cast<double>(step_samples) * static_cast<double>(front.size()) >
           2.0 * point_pool::size)
-    pool.emplace(surface, step_random(effort.seed, -1, 0));
+    pool = std::make_unique<point_pool>(surface, step_random(effort.seed, -1, 0));
   // Without an error bound all samples of a step are stratified together.
   std::vector<pair_sums> sums(front.size());
+  qv_ray_packet packet;
   int next = effort.error > 0 ? least_step_samples : step_samples;
   double weighted_sum = 0;
   for (int done = 0, block = 0; done < step_samples; ++block) {
@@ -233,8 +292,8 @@ step_estimates estimate_beam(const light_scene& scene, const surface_sampler& su
     found.sum_variance = 0;
     for (std::size_t k = 0; k < front.size(); ++k) {
       const lit_step& step = lit[front[k]];
-      sums[k].add(
-          sample_step(scene, surface, pool ? &*pool : nullptr, step, next, block, effort.seed));
+      sums[k].add(sample_step(scene, surface, pool.get(), step, next,
+                              step_random(effort.seed, step.step, block), packet));
       const double weight = step.irradiation * normal.dot(step.direction);
       weighted_sum += weight * sums[k].get_mean();
       found.sum_variance += square(weight) * sums[k].get_variance();

@@ -8,6 +8,7 @@
 #include "core/light/qv_ray.h"
 #include "core/light/qv_raytracer.h"
 #include "core/light/sample_sequence.h"
+#include "core/light/wide.h"
 
 namespace qv::light {
 
@@ -21,7 +22,7 @@ constexpr float facing_width = 1e-3f;
 /// Paths of each set after which the error is looked at for the first time.
 constexpr int first_paths = 32;
 /// Sequences of a path's first surfaces that are prepared for all paths.
-constexpr std::size_t kept_scramblings = 8;
+constexpr int kept_scramblings = 8;
 /// Surfaces that a path may go straight through, so that none goes on for ever.
 constexpr int most_surfaces = 256;
 /// Seeds of what is diced apart from the sequences.
@@ -29,28 +30,56 @@ constexpr std::uint32_t mirror_seed = 0x6d697272u;
 constexpr std::uint32_t survival_seed = 0x73757276u;
 /// Paths that carry less than this are ended at random, and those that go on count more.
 constexpr float least_weight = 0.02f;
+constexpr int packet_size = qv_ray_packet::size;
 
-/// Two unit vectors at right angles to the unit vector `normal` and to each other: T. Duff et al.,
-/// Building an orthonormal basis, revisited, 2017.
-std::array<qv_3dvector, 2> get_perpendiculars(const qv_3dvector& normal) {
-  const float sign = std::copysign(1.0f, normal.z);
-  const float a = -1 / (sign + normal.z);
-  const float b = normal.x * normal.y * a;
-  return {qv_3dvector(1 + sign * normal.x * normal.x * a, sign * b, -sign * normal.x),
-          qv_3dvector(b, sign + normal.y * normal.y * a, -normal.y)};
-}
+/// Eight vectors, component by component.
+struct eight_vectors {
+  alignas(32) float x[packet_size];
+  alignas(32) float y[packet_size];
+  alignas(32) float z[packet_size];
 
-/// Direction about `normal`, distributed as its cosine.
-qv_3dvector get_cosine_direction(const qv_3dvector& normal, const qv_3dvector& first,
-                                 const qv_3dvector& second, float u, float v) {
-  const float radius = std::sqrt(u);
-  const float turn = 2 * std::numbers::pi_v<float> * v;
-  return first * (radius * std::cos(turn)) + second * (radius * std::sin(turn)) +
-         normal * std::sqrt(std::max(0.0f, 1 - u));
+  void set(int index, const qv_3dvector& v) {
+    x[index] = v.x;
+    y[index] = v.y;
+    z[index] = v.z;
+  }
+  qv_3dvector get(int index) const { return {x[index], y[index], z[index]}; }
+};
+
+/// Directions about unit normals, distributed as the cosine, from uniform `u` and `v` below 1.
+///
+/// Two vectors at right angles to the normal and to each other: T. Duff et al., Building an
+/// orthonormal basis, revisited, 2017. Sine and cosine of a quarter turn either way are their
+/// series, to 1e-7; those of twice the angle go round.
+QV_WIDE void get_cosine_directions(const eight_vectors& normals, const float* u, const float* v,
+                                   eight_vectors& directions) {
+  for (int i = 0; i < packet_size; ++i) {
+    const float nx = normals.x[i], ny = normals.y[i], nz = normals.z[i];
+    const float sign = std::copysign(1.0f, nz);
+    const float a = -1 / (sign + nz);
+    const float b = nx * ny * a;
+
+    const float t = (v[i] - 0.5f) * std::numbers::pi_v<float>;
+    const float q = t * t;
+    const float sine =
+        t * (1 + q * (-1.6666667e-1f +
+                      q * (8.3333333e-3f +
+                           q * (-1.9841270e-4f + q * (2.7557319e-6f - q * 2.5052108e-8f)))));
+    const float cosine =
+        1 +
+        q * (-0.5f + q * (4.1666667e-2f +
+                          q * (-1.3888889e-3f +
+                               q * (2.4801587e-5f + q * (-2.7557319e-7f + q * 2.0876757e-9f)))));
+    const float radius = std::sqrt(u[i]), up = std::sqrt(1 - u[i]);
+    const float first = radius * (1 - 2 * sine * sine), second = radius * (2 * sine * cosine);
+    directions.x[i] = first * (1 + sign * nx * nx * a) + second * b + up * nx;
+    directions.y[i] = first * (sign * b) + second * (sign + ny * ny * a) + up * ny;
+    directions.z[i] = first * (-sign * nx) - second * ny + up * nz;
+  }
 }
 
 /// The sequence of starts (number 0) and those of what happens at a path's first, second… surface.
-scrambling make_scrambling(std::uint32_t set_seed, std::size_t number) {
+scrambling make_scrambling(std::uint32_t set_seed, int number) {
   return scrambling(combine_seeds(set_seed, static_cast<std::uint32_t>(number)));
 }
 
@@ -63,21 +92,74 @@ struct light_paths::vertex {
   float weight;        // share of the irradiance there that reaches the receiver
 };
 
+/// The present rays of paths of one set that have met as many surfaces as each other.
+struct light_paths::wave {
+  static constexpr int most = 256;
+  struct block {
+    qv_ray_packet packet;
+    std::uint32_t index[packet_size];
+    /// Share of the light along the ray that reaches the receiver.
+    float weight[packet_size];
+    int scatterings[packet_size];
+  };
+
+  void clear() {
+    for (int i = 0; packet_size * i < count; ++i)
+      blocks[static_cast<std::size_t>(i)].packet.count = 0;
+    count = 0;
+  }
+  void add(std::uint32_t index, float weight, int scatterings, const qv_3dvector& origin,
+           const qv_3dvector& direction) {
+    block& last = blocks[static_cast<std::size_t>(count++ / packet_size)];
+    const int at = last.packet.count++;
+    last.packet.set_ray(at, origin, direction);
+    last.index[at] = index;
+    last.weight[at] = weight;
+    last.scatterings[at] = scatterings;
+  }
+
+  std::array<block, most / packet_size> blocks;
+  int count = 0;
+};
+
+/// Rays that met a surface from which the light may come on.
+struct light_paths::meetings {
+  struct meeting {
+    qv_3dvector point;
+    qv_3dvector direction;  // of the ray
+    qv_3dvector facing_us;  // normal of the surface
+    float weight;
+    int scatterings;
+    // Shares of the light: going straight through, mirrored, scattered on this side and through.
+    float straight, mirrored, reflected, transmitted;
+  };
+
+  std::array<meeting, packet_size> at;
+  alignas(32) std::uint32_t index[packet_size] = {};  // of the paths
+  int count = 0;
+};
+
 light_paths::light_paths(const light_scene& scene, const surface_sampler& surface,
                          const qv_3dvector& normal, int depth, std::uint32_t seed)
     : scene_(scene),
       surface_(surface),
       normal_(normal),
       depth_(depth),
-      seed_(seed),
-      axes_(get_perpendiculars(normal)),
-      mirrors_(scene, depth - 1) {
+      mirrors_(scene, depth - 1),
+      waves_(std::make_unique<std::array<wave, 2>>()) {
   for (std::size_t set = 0; set < set_count; ++set) {
-    const std::uint32_t set_seed = combine_seeds(seed_, static_cast<std::uint32_t>(set));
-    for (std::size_t i = 0; i < kept_scramblings; ++i)
-      scramblings_[set].push_back(make_scrambling(set_seed, i));
+    set_seeds_[set] = combine_seeds(seed, static_cast<std::uint32_t>(set));
+    for (int i = 0; i < kept_scramblings; ++i)
+      scramblings_[set].push_back(make_scrambling(set_seeds_[set], i));
   }
   add_facing(qv_3dvector(), false);
+}
+
+light_paths::~light_paths() = default;
+
+scrambling light_paths::get_scrambling(std::size_t set, int number) const {
+  return number < kept_scramblings ? scramblings_[set][static_cast<std::size_t>(number)]
+                                   : make_scrambling(set_seeds_[set], number);
 }
 
 void light_paths::run(int rays, float error) {
@@ -85,118 +167,183 @@ void light_paths::run(int rays, float error) {
   fineness_ = std::bit_width(static_cast<unsigned int>(paths));
   int next = error > 0 ? std::min(first_paths, paths) : paths;
   while (paths_per_set_ < next) {
-    for (int set = 0; set < set_count; ++set)
-      for (int i = paths_per_set_; i < next; ++i) follow(set, static_cast<std::uint32_t>(i));
+    for (std::size_t set = 0; set < set_count; ++set)
+      for (int first = paths_per_set_; first < next; first += wave::most)
+        follow(set, first, std::min(wave::most, next - first));
     paths_per_set_ = next;
-    const set_mean sum(get_sums());
+    const set_mean sum = get_mean(get_sums());
     if (std::sqrt(sum.variance) <= error * sum.mean) break;
     next = std::min(2 * next, paths);
   }
 }
 
-void light_paths::follow(int set, std::uint32_t index) {
-  const std::uint32_t set_seed = combine_seeds(seed_, static_cast<std::uint32_t>(set));
-  const std::vector<scrambling>& scramblings = scramblings_[static_cast<std::size_t>(set)];
-  const auto start = get_sequence_point(index, scramblings[0]);
-  qv_ray ray(surface_.get_point(start[0], start[3], fineness_),
-             get_cosine_direction(normal_, axes_[0], axes_[1], start[1], start[2]));
-  float weight = 1;
-  int scatterings = 0;
-  for (int surfaces = 0; surfaces < most_surfaces; ++surfaces) {
-    ++path_rays_;
-    if (!scene_.tracer->raytrace(ray)) {
-      if (ray.direction.z > 0) {
+// --- paths ---
+
+/// Follows paths `first` … `first` + `count` − 1 of a set.
+void light_paths::follow(std::size_t set, int first, int count) {
+  wave* rays = &waves_->front();
+  wave* next = &waves_->back();
+  rays->clear();
+  start(*rays, set, first, count);
+  for (int surfaces = 0; surfaces < most_surfaces && rays->count > 0; ++surfaces) {
+    next->clear();
+    trace(*rays, set, surfaces, *next);
+    std::swap(rays, next);
+  }
+}
+
+void light_paths::start(wave& rays, std::size_t set, int first, int count) const {
+  const scrambling by = get_scrambling(set, 0);
+  eight_vectors normals, directions;
+  for (int i = 0; i < packet_size; ++i) normals.set(i, normal_);
+  alignas(32) std::uint32_t index[packet_size];
+  sequence_points points;
+  for (int done = 0; done < count; done += packet_size) {
+    for (int i = 0; i < packet_size; ++i) index[i] = static_cast<std::uint32_t>(first + done + i);
+    get_sequence_points(index, by, points);
+    const auto& [along, u, v, across] = points.coordinates;
+    get_cosine_directions(normals, u, v, directions);
+    for (int i = 0; i < std::min(packet_size, count - done); ++i)
+      rays.add(index[i], 1, 0, surface_.get_point(along[i], across[i], fineness_),
+               directions.get(i));
+  }
+}
+
+/// Sees what the rays meet, after `surfaces` surfaces, and finds the next rays.
+void light_paths::trace(const wave& rays, std::size_t set, int surfaces, wave& next) {
+  path_rays_ += rays.count;
+  meetings met;
+  qv_packet_hits hits;
+  for (int done = 0; done < rays.count; done += packet_size) {
+    const wave::block& block = rays.blocks[static_cast<std::size_t>(done / packet_size)];
+    scene_.tracer->find_hits(block.packet, hits);
+    for (int i = 0; i < block.packet.count; ++i) {
+      const qv_3dvector direction(block.packet.direction_x[i], block.packet.direction_y[i],
+                                  block.packet.direction_z[i]);
+      const int scatterings = block.scatterings[i];
+      if (hits.distance[i] < 0) {
         auto& sky = scatterings == 0 ? direct_sky_ : reflected_sky_;
-        sky[static_cast<std::size_t>(set)] += weight;
+        if (direction.z > 0) sky[set] += block.weight[i];
+        continue;
       }
-      return;
-    }
-    const bool front = ray.direction.dot(ray.hit_normal) < 0;
-    const qv_3dvector facing_us = front ? ray.hit_normal : -ray.hit_normal;
-    const surface_optics& optics = scene_.optics[static_cast<std::size_t>(ray.hit_mesh_index)];
-    const side_optics& near_side = optics[front ? 0 : 1];
-    // Light that comes through has struck the other side.
-    const side_optics& far_side = optics[front ? 1 : 0];
-    const float straight = far_side.direct_transmission;
-    const bool may_scatter = scatterings < depth_;
-    const float mirrored = may_scatter ? near_side.direct_reflexion : 0;
-    const float reflected = may_scatter ? near_side.diffuse_reflexion : 0;
-    const float transmitted = may_scatter ? far_side.diffuse_transmission : 0;
-    const float sum = straight + mirrored + reflected + transmitted;
-    if (!(sum > 0)) return;
+      const bool front = direction.dot(hits.normal[i]) < 0;
+      const surface_optics& optics = scene_.optics[static_cast<std::size_t>(hits.mesh_index[i])];
+      const side_optics& near_side = optics[front ? 0 : 1];
+      // Light that comes through has struck the other side.
+      const side_optics& far_side = optics[front ? 1 : 0];
+      const bool may_scatter = scatterings < depth_;
+      const float straight = far_side.direct_transmission;
+      const float mirrored = may_scatter ? near_side.direct_reflexion : 0;
+      const float reflected = may_scatter ? near_side.diffuse_reflexion : 0;
+      const float transmitted = may_scatter ? far_side.diffuse_transmission : 0;
+      if (!(straight + mirrored + reflected + transmitted > 0)) continue;
 
-    const auto at_surface = static_cast<std::size_t>(surfaces) + 1;
-    const auto dice = get_shuffled_sequence_point(
-        index, at_surface < kept_scramblings ? scramblings[at_surface]
-                                             : make_scrambling(set_seed, at_surface));
-    const std::uint32_t dice_number = index * most_surfaces + static_cast<std::uint32_t>(surfaces);
-    weight *= sum;
-    float choice = dice[2] * sum;
-    if (choice < straight) {
-      ray.origin = lift_off(ray.get_hit_point(), -facing_us);
+      const qv_3dvector origin(block.packet.origin_x[i], block.packet.origin_y[i],
+                               block.packet.origin_z[i]);
+      met.index[met.count] = block.index[i];
+      met.at[static_cast<std::size_t>(met.count++)] = {origin + direction * hits.distance[i],
+                                                       direction,
+                                                       front ? hits.normal[i] : -hits.normal[i],
+                                                       block.weight[i],
+                                                       scatterings,
+                                                       straight,
+                                                       mirrored,
+                                                       reflected,
+                                                       transmitted};
+      if (met.count == packet_size) scatter(met, set, surfaces, next);
+    }
+  }
+  if (met.count > 0) scatter(met, set, surfaces, next);
+}
+
+/// Chooses where light comes from at the surfaces met, and sends rays there.
+void light_paths::scatter(meetings& met, std::size_t set, int surfaces, wave& next) {
+  sequence_points dice;
+  get_shuffled_sequence_points(met.index, get_scrambling(set, surfaces + 1), dice);
+  const auto& [u, v, choices, jitters] = dice.coordinates;
+  eight_vectors normals, directions;
+  for (int i = 0; i < packet_size; ++i) normals.set(i, normal_);
+  bool goes_on[packet_size] = {};
+
+  for (int i = 0; i < met.count; ++i) {
+    meetings::meeting& m = met.at[static_cast<std::size_t>(i)];
+    const float sum = m.straight + m.mirrored + m.reflected + m.transmitted;
+    const float weight = m.weight * sum;
+    float choice = choices[i] * sum;
+    if (choice < m.straight) {
+      next.add(met.index[i], weight, m.scatterings, lift_off(m.point, -m.facing_us), m.direction);
       continue;
     }
-    choice -= straight;
-    ++scatterings;
-    if (choice < mirrored) {
-      ray.origin = lift_off(ray.get_hit_point(), facing_us);
-      ray.direction = (ray.direction - facing_us * (2 * ray.direction.dot(facing_us))).normalized();
+    choice -= m.straight;
+    m.scatterings += 1;
+    if (choice < m.mirrored) {
+      const qv_3dvector mirrored = m.direction - m.facing_us * (2 * m.direction.dot(m.facing_us));
+      next.add(met.index[i], weight, m.scatterings, lift_off(m.point, m.facing_us),
+               mirrored.normalized());
       continue;
     }
-    choice -= mirrored;
-    const qv_3dvector side = choice < reflected || !(transmitted > 0) ? facing_us : -facing_us;
-    const vertex at = {lift_off(ray.get_hit_point(), side), side, weight};
-    gather_sun(at, set, dice[3]);
-    if (scatterings < depth_)
-      gather_mirrored_sun(at, set, combine_seeds(set_seed ^ mirror_seed, dice_number));
+    choice -= m.mirrored;
+    const qv_3dvector side =
+        choice < m.reflected || !(m.transmitted > 0) ? m.facing_us : -m.facing_us;
+    const vertex at = {lift_off(m.point, side), side, weight};
+    gather_sun(at, set, jitters[i]);
+    const std::uint32_t number =
+        met.index[i] * most_surfaces + static_cast<std::uint32_t>(surfaces);
+    if (m.scatterings < depth_)
+      gather_mirrored_sun(at, set, combine_seeds(set_seeds_[set] ^ mirror_seed, number));
 
+    m.weight = weight;
     if (weight < least_weight) {
       const float survival = weight / least_weight;
-      if (to_unit(combine_seeds(set_seed ^ survival_seed, dice_number)) >= survival) return;
-      weight = least_weight;
+      if (to_unit(combine_seeds(set_seeds_[set] ^ survival_seed, number)) >= survival) continue;
+      m.weight = least_weight;
     }
-    const auto [first, second] = get_perpendiculars(side);
-    ray.origin = at.point;
-    ray.direction = get_cosine_direction(side, first, second, dice[0], dice[1]);
+    m.point = at.point;
+    normals.set(i, side);
+    goes_on[i] = true;
   }
+
+  get_cosine_directions(normals, u, v, directions);
+  for (int i = 0; i < met.count; ++i) {
+    const meetings::meeting& m = met.at[static_cast<std::size_t>(i)];
+    if (goes_on[i]) next.add(met.index[i], m.weight, m.scatterings, m.point, directions.get(i));
+  }
+  met.count = 0;
 }
 
 // --- the sun ---
 
-void light_paths::gather_sun(const vertex& at, int set, float jitter) {
-  constexpr int size = qv_ray_packet::size;
+void light_paths::gather_sun(const vertex& at, std::size_t set, float jitter) {
   facing& found = facings_[find_facing(at.normal)];
   const sun_facing& seen = *found.to_sun;
   if (seen.lots.empty()) return;
 
-  qv_ray_packet packet;
-  int nodes[size];
-  float weights[size];
-  for (int i = 0; i < size; ++i) {
-    const auto lot = static_cast<std::size_t>((static_cast<float>(i) + jitter) *
-                                              (static_cast<float>(sun_facing::lot_count) / size));
-    const int node = seen.lots[std::min<std::size_t>(lot, sun_facing::lot_count - 1)];
-    const qv_3dvector& direction = seen.directions[static_cast<std::size_t>(node)];
-    const float cosine = seen.has_cosine ? 1 : direction.dot(at.normal);
+  qv_ray_packet& packet = sun_packet_;
+  packet.count = 0;
+  int nodes[packet_size];
+  float weights[packet_size];
+  for (int i = 0; i < packet_size; ++i) {
+    const auto lot = static_cast<int>((static_cast<float>(i) + jitter) *
+                                      (static_cast<float>(sun_facing::lot_count) / packet_size));
+    const int node = seen.lots[static_cast<std::size_t>(std::min(lot, sun_facing::lot_count - 1))];
+    const sun_facing::target& target = seen.targets[static_cast<std::size_t>(node)];
+    const float cosine = seen.has_cosine ? 1 : target.direction.dot(at.normal);
     if (!(cosine > 0)) continue;
-    packet.set_ray(packet.count, at.point, direction);
+    packet.set_ray(packet.count, at.point, target.direction);
     nodes[packet.count] = node;
-    weights[packet.count] =
-        cosine * at.weight * seen.lot_weights[static_cast<std::size_t>(node)] / size;
+    weights[packet.count] = cosine * at.weight * target.weight / packet_size;
     ++packet.count;
   }
   if (packet.count == 0) return;
   sun_rays_ += packet.count;
   scene_.tracer->find_light(packet, scene_.get_transmission(), false);
-  for (int i = 0; i < packet.count; ++i) {
-    const auto place = static_cast<std::size_t>(nodes[i]) * set_count;
-    found.values[place + static_cast<std::size_t>(set)] += weights[i] * packet.light[i];
-  }
+  float* values = get_values(found, set);
+  for (int i = 0; i < packet.count; ++i) values[nodes[i]] += weights[i] * packet.light[i];
 }
 
 /// One node by one way over mirrors. The light does not come from the node itself, so its cosine of
 /// incidence goes into the value.
-void light_paths::gather_mirrored_sun(const vertex& at, int set, std::uint32_t dice) {
+void light_paths::gather_mirrored_sun(const vertex& at, std::size_t set, std::uint32_t dice) {
   facing& any = facings_.front();
   const double ways = mirrors_.get_way_count();
   const sun_facing& to_sun = *any.to_sun;
@@ -208,14 +355,13 @@ void light_paths::gather_mirrored_sun(const vertex& at, int set, std::uint32_t d
   qv_3dvector seen_at;
   const float light = mirrors_.get_light(at.point, at.normal, scene_.sun.nodes[node], way, seen_at);
   if (!(light > 0)) return;
-  any.values[node * set_count + static_cast<std::size_t>(set)] +=
-      at.weight * light * at.normal.dot(seen_at) * static_cast<float>(ways) *
-      to_sun.lot_weights[node];
+  get_values(any, set)[node] += at.weight * light * at.normal.dot(seen_at) *
+                                static_cast<float>(ways) * to_sun.targets[node].weight;
 }
 
 std::size_t light_paths::find_facing(const qv_3dvector& normal) {
-  for (std::size_t i = 1; i < facings_.size(); ++i) {
-    const qv_3dvector difference = facings_[i].to_sun->normal - normal;
+  for (std::size_t i = 1; i < facing_normals_.size(); ++i) {
+    const qv_3dvector difference = facing_normals_[i] - normal;
     if (difference.dot(difference) < facing_width * facing_width) return i;
   }
   if (facings_.size() == most_facings) return 0;
@@ -226,58 +372,7 @@ std::size_t light_paths::find_facing(const qv_3dvector& normal) {
 void light_paths::add_facing(const qv_3dvector& normal, bool has_cosine) {
   facings_.push_back({scene_.facings->get(normal, has_cosine),
                       std::vector<float>(scene_.sun.nodes.size() * set_count, 0.0f)});
-}
-
-// --- results ---
-
-light_paths::set_values light_paths::divide(const set_values& sums) const {
-  set_values means = sums;
-  for (double& value : means) value /= std::max(1, paths_per_set_);
-  return means;
-}
-
-light_paths::set_values light_paths::get_reflected_sun(std::size_t index) const {
-  const lit_step& step = scene_.sun.lit[index];
-  std::array<float, set_count> sums{};
-  for (const facing& from : facings_) {
-    const float cosine = from.to_sun->has_cosine ? from.to_sun->normal.dot(step.direction) : 1;
-    if (!(cosine > 0)) continue;
-    for (const node_weight& share : step.nodes) {
-      const float weight = cosine * share.weight;
-      if (!(weight > 0)) continue;
-      const float* values = &from.values[static_cast<std::size_t>(share.node) * set_count];
-      for (int set = 0; set < set_count; ++set)
-        sums[static_cast<std::size_t>(set)] += weight * values[set];
-    }
-  }
-  set_values found;
-  std::copy(sums.begin(), sums.end(), found.begin());
-  return divide(found);
-}
-
-light_paths::set_values light_paths::get_sums() const {
-  set_values sums{};
-  for (const facing& from : facings_) {
-    for (std::size_t node = 0; node < scene_.sun.nodes.size(); ++node)
-      for (std::size_t set = 0; set < set_count; ++set)
-        sums[set] +=
-            static_cast<double>(from.to_sun->masses[node]) * from.values[node * set_count + set];
-  }
-  for (std::size_t set = 0; set < set_count; ++set)
-    sums[set] += scene_.sun.diffuse_sum * (direct_sky_[set] + reflected_sky_[set]);
-  return divide(sums);
-}
-
-set_mean::set_mean(const light_paths::set_values& values) {
-  // Four sums at a time, which do not wait for each other.
-  constexpr std::size_t lanes = 4;
-  std::array<double, lanes> sums{}, squares{};
-  for (std::size_t i = 0; i < values.size(); ++i) sums[i % lanes] += values[i];
-  mean = ((sums[0] + sums[1]) + (sums[2] + sums[3])) / light_paths::set_count;
-  for (std::size_t i = 0; i < values.size(); ++i)
-    squares[i % lanes] += (values[i] - mean) * (values[i] - mean);
-  variance = ((squares[0] + squares[1]) + (squares[2] + squares[3])) /
-             (light_paths::set_count - 1) / light_paths::set_count;
+  facing_normals_.push_back(facings_.back().to_sun->normal);
 }
 
 }  // namespace qv::light

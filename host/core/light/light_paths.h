@@ -7,11 +7,18 @@
 #include "core/light/beam.h"
 #include "core/light/light_scene.h"
 #include "core/light/mirrors.h"
+#include "core/light/qv_raytracer.h"
 #include "core/light/sample_sequence.h"
 #include "core/light/sun_facing.h"
 #include "core/light/surface_sampler.h"
 
 namespace qv::light {
+
+/// Mean of the values of independent sets of paths, and the square of its standard error.
+struct set_mean {
+  double mean = 0;
+  double variance = 0;
+};
 
 /// What a surface receives of the sky, and of the sun by way of diffuse reflexions and
 /// transmissions.
@@ -26,7 +33,8 @@ namespace qv::light {
 /// the visibility of the sun is interpolated between nodes, and that only in reflected light.
 ///
 /// There are 16 independent sets of paths, each from low-discrepancy sequences scrambled by
-/// themselves: the spread of their results is the standard error.
+/// themselves: the spread of their results is the standard error. Paths of a set are followed
+/// together from surface to surface, so that their rays are traced eight at a time.
 class light_paths {
  public:
   static constexpr int set_count = 16;
@@ -34,6 +42,7 @@ class light_paths {
 
   light_paths(const light_scene& scene, const surface_sampler& surface, const qv_3dvector& normal,
               int depth, std::uint32_t seed);
+  ~light_paths();
 
   /// Follows `rays` paths (at least one in each set), or fewer once the standard error of
   /// `get_sums` is below `error` times its mean; an error of 0 never stops early.
@@ -48,8 +57,8 @@ class light_paths {
   /// irradiation.
   set_values get_direct_sky() const { return divide(direct_sky_); }
   set_values get_reflected_sky() const { return divide(reflected_sky_); }
-  /// The reflected sun at lit step `index`, by set, per W/m² of direct normal irradiation.
-  set_values get_reflected_sun(std::size_t index) const;
+  /// The reflected sun at each lit step, per W/m² of direct normal irradiation.
+  std::vector<set_mean> get_reflected_sun() const;
   /// Sky and reflected sun times their irradiations, summed over all steps, by set, W/m².
   set_values get_sums() const;
 
@@ -57,26 +66,34 @@ class light_paths {
   /// What surfaces that face into one direction reflect of the sun towards the receiver.
   struct facing {
     std::shared_ptr<const sun_facing> to_sun;
-    /// By node and set; of a facing that has the cosine still to count, without it.
+    /// By set, and in each by node; of a facing that has the cosine still to count, without it.
     std::vector<float> values;
   };
   struct vertex;
+  struct wave;
+  struct meetings;
 
-  void follow(int set, std::uint32_t index);
-  void gather_sun(const vertex& at, int set, float jitter);
-  void gather_mirrored_sun(const vertex& at, int set, std::uint32_t dice);
+  void follow(std::size_t set, int first, int count);
+  void start(wave& rays, std::size_t set, int first, int count) const;
+  void trace(const wave& rays, std::size_t set, int surfaces, wave& next);
+  void scatter(meetings& met, std::size_t set, int surfaces, wave& next);
+  void gather_sun(const vertex& at, std::size_t set, float jitter);
+  void gather_mirrored_sun(const vertex& at, std::size_t set, std::uint32_t dice);
+  float* get_values(facing& of, std::size_t set) const {
+    return of.values.data() + set * scene_.sun.nodes.size();
+  }
   std::size_t find_facing(const qv_3dvector& normal);
   void add_facing(const qv_3dvector& normal, bool has_cosine);
+  scrambling get_scrambling(std::size_t set, int number) const;
   set_values divide(const set_values& sums) const;
 
   const light_scene& scene_;
   const surface_sampler& surface_;
   qv_3dvector normal_;
   int depth_;
-  std::uint32_t seed_;
   int fineness_ = 0;
-  std::array<qv_3dvector, 2> axes_;
   mirrors mirrors_;
+  std::array<std::uint32_t, set_count> set_seeds_;
   std::array<std::vector<scrambling>, set_count> scramblings_;
   int paths_per_set_ = 0;
   double path_rays_ = 0;
@@ -84,13 +101,13 @@ class light_paths {
   set_values direct_sky_{};
   set_values reflected_sky_{};
   std::vector<facing> facings_;
+  std::vector<qv_3dvector> facing_normals_;
+  // Room to work in.
+  std::unique_ptr<std::array<wave, 2>> waves_;
+  qv_ray_packet sun_packet_;
 };
 
-/// Mean of the sets' values, and the square of its standard error.
-struct set_mean {
-  explicit set_mean(const light_paths::set_values& values);
-  double mean = 0;
-  double variance = 0;
-};
+/// Mean over the sets.
+set_mean get_mean(const light_paths::set_values& values);
 
 }  // namespace qv::light

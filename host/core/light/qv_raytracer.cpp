@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "core/light/qv_ray.h"
+#include "core/light/wide.h"
 #include "core/shapes/qvi_mesh.h"
 #include "utilities/qv_tolerances.h"
 
@@ -128,43 +129,49 @@ struct trace_context {
   RTCIntersectContext kernel;
   const level* current = nullptr;
   const std::vector<slot>* slots = nullptr;
-  // Of the nearest hit.
-  const primitive* nearest = nullptr;
-  float distance = 0;
+  // By ray, of its nearest hit.
+  std::array<const primitive*, qv_ray_packet::size> nearest;
+  std::array<float, qv_ray_packet::size> distance;
   // Of a packet: two shares for each mesh, and what is left of the light of each ray.
   const float* transmission = nullptr;
   float* light = nullptr;
   // Which mesh each ray passed last, and where.
-  std::array<int, qv_ray_packet::size> passed_mesh{};
-  std::array<float, qv_ray_packet::size> passed_distance{};
+  std::array<int, qv_ray_packet::size> passed_mesh;
+  std::array<float, qv_ray_packet::size> passed_distance;
 };
 
 /// Refuses dead triangles, and of two hits at the same distance the one that comes later in the
 /// set. Looks at the triangles themselves only where it must: they are rarely in the cache.
 void accept_hit(const RTCFilterFunctionNArguments* arguments) {
-  auto* context = reinterpret_cast<trace_context*>(arguments->context);
-  const primitive* hit = &context->current->primitives[RTCHitN_primID(arguments->hit, 1, 0)];
-  const float distance = RTCRayN_tfar(arguments->ray, 1, 0);
-  bool accepted = !context->current->has_dead() || hit->slot >= 0;
-  if (accepted && context->nearest != nullptr && distance == context->distance) {
-    const auto place = [context](const primitive* p) {
-      return std::pair((*context->slots)[static_cast<std::size_t>(p->slot)].rank, p->triangle);
-    };
-    accepted = place(hit) < place(context->nearest);
+  auto& context = *reinterpret_cast<trace_context*>(arguments->context);
+  const unsigned int count = arguments->N;
+  for (unsigned int i = 0; i < count; ++i) {
+    if (arguments->valid[i] == 0) continue;
+    const unsigned int ray = RTCRayN_id(arguments->ray, count, i);
+    const primitive* hit = &context.current->primitives[RTCHitN_primID(arguments->hit, count, i)];
+    const primitive* former = context.nearest[ray];
+    const float distance = RTCRayN_tfar(arguments->ray, count, i);
+    bool accepted = !context.current->has_dead() || hit->slot >= 0;
+    if (accepted && former != nullptr && distance == context.distance[ray]) {
+      const auto place = [&](const primitive* p) {
+        return std::pair((*context.slots)[static_cast<std::size_t>(p->slot)].rank, p->triangle);
+      };
+      accepted = place(hit) < place(former);
+    }
+    if (accepted) {
+      context.distance[ray] = distance;
+      context.nearest[ray] = hit;
+    } else {
+      arguments->valid[i] = 0;
+    }
   }
-  if (!accepted) {
-    arguments->valid[0] = 0;
-    return;
-  }
-  context->distance = distance;
-  context->nearest = hit;
 }
 
-/// Refuses dead triangles, and those that let light through, which take their share of it.
+/// Refuses dead triangles, and those that let light through, which take their share of it. The
+/// kernel asks only where there are any of these (`look_in`).
 void accept_occluder(const RTCFilterFunctionNArguments* arguments) {
   auto& context = *reinterpret_cast<trace_context*>(arguments->context);
   const level& current = *context.current;
-  if (!current.has_dead() && context.transmission == nullptr) return;
   const unsigned int count = arguments->N;
   for (unsigned int i = 0; i < count; ++i) {
     if (arguments->valid[i] == 0) continue;
@@ -229,14 +236,13 @@ void level::commit(const std::vector<triangle_corners>& corners, const qv_3dvect
   vertices.resize(vertices.size() + vertex_padding);
 
   scene = rtcNewScene(shared_device());
-  rtcSetSceneFlags(scene, RTC_SCENE_FLAG_ROBUST);
+  rtcSetSceneFlags(scene, RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION);
   const RTCGeometry geometry = rtcNewGeometry(shared_device(), RTC_GEOMETRY_TYPE_TRIANGLE);
   rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
                              vertices.data(), 0, 3 * sizeof(float), corners.size() * 3);
   rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, indices.data(),
                              0, 3 * sizeof(std::uint32_t), corners.size());
   rtcSetGeometryIntersectFilterFunction(geometry, accept_hit);
-  rtcSetGeometryOccludedFilterFunction(geometry, accept_occluder);
   rtcCommitGeometry(geometry);
   rtcAttachGeometry(scene, geometry);
   rtcReleaseGeometry(geometry);
@@ -264,6 +270,55 @@ void place(RTCRay& target, const qv_3dvector& origin, const qv_3dvector& centre)
   target.org_x = origin.x - centre.x;
   target.org_y = origin.y - centre.y;
   target.org_z = origin.z - centre.z;
+}
+
+/// Fills the kernel's rays but for how far they reach.
+inline void place(RTCRay8& target, const qv_ray_packet& packet, const qv_3dvector& centre) {
+  for (int i = 0; i < qv_ray_packet::size; ++i) {
+    target.org_x[i] = packet.origin_x[i] - centre.x;
+    target.org_y[i] = packet.origin_y[i] - centre.y;
+    target.org_z[i] = packet.origin_z[i] - centre.z;
+    target.dir_x[i] = packet.direction_x[i];
+    target.dir_y[i] = packet.direction_y[i];
+    target.dir_z[i] = packet.direction_z[i];
+    target.tnear[i] = 0;
+    target.time[i] = 0;
+    target.mask[i] = ~0u;
+    target.id[i] = static_cast<unsigned int>(i);
+    target.flags[i] = 0;
+  }
+}
+
+/// Looks in the way of the rays that are still `valid` of a packet: they become invalid and dark
+/// when anything is.
+QV_WIDE void look_in(const level& l, qv_ray_packet& packet, int* valid, trace_context& context) {
+  alignas(32) RTCRay8 query;
+  place(query, packet, l.centre);
+  for (float& far : query.tfar) far = farthest_light;
+  context.current = &l;
+  context.kernel.filter =
+      l.has_dead() || context.transmission != nullptr ? accept_occluder : nullptr;
+  rtcOccluded8(valid, l.scene, &context.kernel, &query);
+  for (int i = 0; i < qv_ray_packet::size; ++i) {
+    const bool dark = query.tfar[i] < 0;
+    packet.light[i] = dark ? 0 : packet.light[i];
+    valid[i] = dark ? 0 : valid[i];
+  }
+}
+
+/// Looks for what the rays that are `valid` meet nearer than `distances`, which it writes.
+QV_WIDE void look_for(const level& l, const qv_ray_packet& packet, const int* valid,
+                      float* distances, trace_context& context) {
+  alignas(32) RTCRayHit8 query;
+  place(query.ray, packet, l.centre);
+  for (int i = 0; i < qv_ray_packet::size; ++i) {
+    query.ray.tfar[i] = distances[i];
+    query.hit.geomID[i] = RTC_INVALID_GEOMETRY_ID;
+    query.hit.instID[0][i] = RTC_INVALID_GEOMETRY_ID;
+  }
+  context.current = &l;
+  rtcIntersect8(valid, l.scene, &context.kernel, &query);
+  for (int i = 0; i < qv_ray_packet::size; ++i) distances[i] = query.ray.tfar[i];
 }
 
 }  // namespace
@@ -446,6 +501,7 @@ bool qv_raytracer::raytrace(qv_ray& ray) const {
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
   context.slots = &kernel_->slots;
+  context.nearest[0] = nullptr;
   for (const level& l : kernel_->levels) {
     context.current = &l;
     place(query.ray, ray.origin, l.centre);
@@ -453,7 +509,7 @@ bool qv_raytracer::raytrace(qv_ray& ray) const {
     query.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
     rtcIntersect1(l.scene, &context.kernel, &query);
   }
-  const primitive* nearest = context.nearest;
+  const primitive* nearest = context.nearest[0];
   if (nearest == nullptr) return false;
   ray.hit_distance = query.ray.tfar;
   ray.hit_mesh = nearest->mesh;
@@ -470,6 +526,7 @@ bool qv_raytracer::is_occluded(const qv_ray& ray) const {
   rtcInitIntersectContext(&context.kernel);
   for (const level& l : kernel_->levels) {
     context.current = &l;
+    context.kernel.filter = l.has_dead() ? accept_occluder : nullptr;
     place(query, ray.origin, l.centre);
     rtcOccluded1(l.scene, &context.kernel, &query);
     if (query.tfar < 0) return true;
@@ -479,44 +536,43 @@ bool qv_raytracer::is_occluded(const qv_ray& ray) const {
 
 void qv_raytracer::find_light(qv_ray_packet& packet, const float* transmission,
                               bool parallel) const {
-  constexpr int size = qv_ray_packet::size;
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
   if (parallel) context.kernel.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
   context.slots = &kernel_->slots;
   context.transmission = transmission;
   context.light = packet.light;
-  context.passed_mesh.fill(-1);
+  if (transmission != nullptr) context.passed_mesh.fill(-1);
 
-  alignas(32) int valid[size];
-  RTCRay8 query;
-  for (int i = 0; i < size; ++i) {
+  alignas(32) int valid[qv_ray_packet::size];
+  for (int i = 0; i < qv_ray_packet::size; ++i) {
     const bool asked = i < packet.count;
     valid[i] = asked ? -1 : 0;
     packet.light[i] = asked ? 1.0f : 0.0f;
-    query.tnear[i] = 0;
-    query.time[i] = 0;
-    query.mask[i] = ~0u;
-    query.id[i] = static_cast<unsigned int>(i);
-    query.flags[i] = 0;
   }
-  for (const level& l : kernel_->levels) {
-    context.current = &l;
-    for (int i = 0; i < size; ++i) {
-      query.org_x[i] = packet.origin_x[i] - l.centre.x;
-      query.org_y[i] = packet.origin_y[i] - l.centre.y;
-      query.org_z[i] = packet.origin_z[i] - l.centre.z;
-      query.dir_x[i] = packet.direction_x[i];
-      query.dir_y[i] = packet.direction_y[i];
-      query.dir_z[i] = packet.direction_z[i];
-      query.tfar[i] = farthest_light;
+  for (const level& l : kernel_->levels) look_in(l, packet, valid, context);
+}
+
+void qv_raytracer::find_hits(const qv_ray_packet& packet, qv_packet_hits& hits) const {
+  trace_context context;
+  rtcInitIntersectContext(&context.kernel);
+  context.slots = &kernel_->slots;
+  context.nearest.fill(nullptr);
+
+  alignas(32) int valid[qv_ray_packet::size];
+  for (int i = 0; i < qv_ray_packet::size; ++i) {
+    valid[i] = i < packet.count ? -1 : 0;
+    hits.distance[i] = farthest_light;
+  }
+  for (const level& l : kernel_->levels) look_for(l, packet, valid, hits.distance, context);
+  for (std::size_t i = 0; i < context.nearest.size(); ++i) {
+    const primitive* nearest = context.nearest[i];
+    if (nearest == nullptr) {
+      hits.distance[i] = -1;
+      continue;
     }
-    rtcOccluded8(valid, l.scene, &context.kernel, &query);
-    for (int i = 0; i < size; ++i) {
-      const bool dark = valid[i] != 0 && query.tfar[i] < 0;
-      packet.light[i] = dark ? 0 : packet.light[i];
-      valid[i] = dark ? 0 : valid[i];
-    }
+    hits.mesh_index[i] = kernel_->at(nearest->slot).rank;
+    hits.normal[i] = nearest->normal;
   }
 }
 

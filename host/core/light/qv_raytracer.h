@@ -15,11 +15,15 @@ class qvi_mesh;
 struct qv_ray_packet {
   static constexpr int size = 8;
 
-  float origin_x[size] = {}, origin_y[size] = {}, origin_z[size] = {};
+  alignas(32) float origin_x[size] = {};
+  alignas(32) float origin_y[size] = {};
+  alignas(32) float origin_z[size] = {};
   /// Unit directions, towards where the light would come from.
-  float direction_x[size] = {}, direction_y[size] = {}, direction_z[size] = {};
+  alignas(32) float direction_x[size] = {};
+  alignas(32) float direction_y[size] = {};
+  alignas(32) float direction_z[size] = {};
   /// Result: the share of the light that comes through, 1 where nothing is in the way.
-  float light[size];
+  alignas(32) float light[size];
   int count = 0;
 
   void set_ray(int index, const qv_3dvector& origin, const qv_3dvector& direction) {
@@ -30,6 +34,16 @@ struct qv_ray_packet {
     direction_y[index] = direction.y;
     direction_z[index] = direction.z;
   }
+};
+
+/// What each ray of a packet met first.
+struct qv_packet_hits {
+  /// m; negative where nothing was met, and the rest has no meaning.
+  float distance[qv_ray_packet::size];
+  /// Index of the mesh in the ray tracer's list of meshes.
+  int mesh_index[qv_ray_packet::size];
+  /// Unit normal of the triangle, on its front side (it may point along the ray).
+  qv_3dvector normal[qv_ray_packet::size];
 };
 
 /// Finds what rays hit among a set of meshes.
@@ -75,6 +89,11 @@ class qv_raytracer {
   /// nearly equal directions and may speed things up; it changes no result. After `update` any
   /// number of threads may ask.
   void find_light(qv_ray_packet& packet, const float* transmission, bool parallel) const;
+
+  /// Nearest hits of a packet of rays in any directions, one by one as `raytrace` finds them (to
+  /// the rounding of the distance): faster where many rays are to be traced. After `update` any
+  /// number of threads may ask.
+  void find_hits(const qv_ray_packet& packet, qv_packet_hits& hits) const;
 
   /// True when no triangle reaches farther than `tolerance` metres to the side of the plane through
   /// `point` to which `normal` points. Looks at vertices until one is found there.

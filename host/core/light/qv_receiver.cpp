@@ -151,19 +151,20 @@ void qv_receiver::compute_sky(const work& with) {
   const auto direct = paths.get_direct_sky(), reflected = paths.get_reflected_sky();
   light_paths::set_values both{};
   for (std::size_t i = 0; i < both.size(); ++i) both[i] = direct[i] + reflected[i];
-  direct_diffuse_ = static_cast<float>(with.scale * set_mean(direct).mean);
-  indirect_diffuse_ = static_cast<float>(with.scale * set_mean(reflected).mean);
-  diffuse_sigma_ = static_cast<float>(with.scale * to_sigma(set_mean(both).variance));
+  direct_diffuse_ = static_cast<float>(with.scale * get_mean(direct).mean);
+  indirect_diffuse_ = static_cast<float>(with.scale * get_mean(reflected).mean);
+  diffuse_sigma_ = static_cast<float>(with.scale * to_sigma(get_mean(both).variance));
   diffuse_samples_ = static_cast<float>(paths.get_path_count());
   path_rays_ = paths.get_path_rays();
   reflected_sun_rays_ = paths.get_sun_rays();
-  sum_variance_ += with.scale * with.scale * set_mean(paths.get_sums()).variance;
+  sum_variance_ += with.scale * with.scale * get_mean(paths.get_sums()).variance;
 
   if (with.depth == 0) return;
   const std::vector<lit_step>& lit = with.scene.sun.lit;
+  const std::vector<set_mean> suns = paths.get_reflected_sun();
   for (std::size_t i = 0; i < lit.size(); ++i) {
     const auto step = static_cast<std::size_t>(lit[i].step);
-    const set_mean sun(paths.get_reflected_sun(i));
+    const set_mean& sun = suns[i];
     indirect_direct_[step] += static_cast<float>(with.scale * sun.mean);
     const float mirrored = indirect_direct_sigma_[step];
     const auto scattered = static_cast<float>(with.scale * to_sigma(sun.variance));

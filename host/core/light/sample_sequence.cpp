@@ -1,5 +1,7 @@
 #include "core/light/sample_sequence.h"
 
+#include "core/light/wide.h"
+
 namespace qv::light {
 
 namespace {
@@ -75,6 +77,25 @@ constexpr std::uint32_t scramble_reversed(std::uint32_t x, std::uint32_t seed) {
   return reverse_bits(x);
 }
 
+using eight_bits = std::uint32_t[sequence_points::size];
+
+inline void find_points(const std::uint32_t* indices, const scrambling& by,
+                        sequence_points& points) {
+  alignas(32) eight_bits bits[dimension_count];
+  for (int i = 0; i < sequence_points::size; ++i) {
+    const std::uint32_t index = indices[i];
+    const auto& lowest = bytes.bits[0][index & 255u];
+    const auto& low = bytes.bits[1][(index >> 8) & 255u];
+    const auto& high = bytes.bits[2][(index >> 16) & 255u];
+    const auto& highest = bytes.bits[3][index >> 24];
+    for (int d = 0; d < dimension_count; ++d)
+      bits[d][i] = lowest[d] ^ low[d] ^ high[d] ^ highest[d];
+  }
+  for (std::size_t d = 0; d < dimension_count; ++d)
+    for (int i = 0; i < sequence_points::size; ++i)
+      points.coordinates[d][i] = to_unit(scramble_reversed(bits[d][i], by.dimensions[d]));
+}
+
 }  // namespace
 
 std::array<float, 4> get_sequence_point(std::uint32_t index, const scrambling& by) {
@@ -90,6 +111,19 @@ std::array<float, 4> get_sequence_point(std::uint32_t index, const scrambling& b
 
 std::array<float, 4> get_shuffled_sequence_point(std::uint32_t index, const scrambling& by) {
   return get_sequence_point(scramble_reversed(reverse_bits(index), by.order), by);
+}
+
+QV_WIDE void get_sequence_points(const std::uint32_t* indices, const scrambling& by,
+                                 sequence_points& points) {
+  find_points(indices, by, points);
+}
+
+QV_WIDE void get_shuffled_sequence_points(const std::uint32_t* indices, const scrambling& by,
+                                          sequence_points& points) {
+  alignas(32) eight_bits shuffled;
+  for (int i = 0; i < sequence_points::size; ++i)
+    shuffled[i] = scramble_reversed(reverse_bits(indices[i]), by.order);
+  find_points(shuffled, by, points);
 }
 
 }  // namespace qv::light

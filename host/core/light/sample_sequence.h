@@ -31,7 +31,7 @@ constexpr std::uint32_t reverse_bits(std::uint32_t x) {
 
 /// Uniform in [0, 1), a multiple of 2⁻²⁴.
 constexpr float to_unit(std::uint32_t bits) {
-  return static_cast<float>(bits >> 8) * 0x1p-24f;
+  return static_cast<float>(static_cast<std::int32_t>(bits >> 8)) * 0x1p-24f;
 }
 
 /// What makes a sequence of points one's own: found once, used for every point.
@@ -58,5 +58,17 @@ std::array<float, 4> get_sequence_point(std::uint32_t index, const scrambling& b
 /// The same with the points in an order of the seed's own, so that the coordinates of several
 /// sequences may be put side by side to make points of more dimensions.
 std::array<float, 4> get_shuffled_sequence_point(std::uint32_t index, const scrambling& by);
+
+/// Eight points, coordinate by coordinate.
+struct sequence_points {
+  static constexpr int size = 8;
+  alignas(32) float coordinates[4][size];
+};
+
+/// The points that the functions above give for eight indices, in a third of the time.
+void get_sequence_points(const std::uint32_t* indices, const scrambling& by,
+                         sequence_points& points);
+void get_shuffled_sequence_points(const std::uint32_t* indices, const scrambling& by,
+                                  sequence_points& points);
 
 }  // namespace qv::light

@@ -30,7 +30,6 @@ void deal_lots(sun_facing& facing, const std::vector<bool>& used) {
   constexpr int lot_count = sun_facing::lot_count;
   double position = 0;
   const double free_lots = lot_count - used_count;
-  facing.lot_weights.assign(node_count, 0);
   for (std::size_t i = 0; i < node_count; ++i) {
     if (!used[i]) continue;
     const double share =
@@ -41,7 +40,7 @@ void deal_lots(sun_facing& facing, const std::vector<bool>& used) {
     const int lots = end - static_cast<int>(facing.lots.size());
     if (lots <= 0) continue;
     facing.lots.resize(static_cast<std::size_t>(end), static_cast<int>(i));
-    facing.lot_weights[i] = static_cast<float>(lot_count) / static_cast<float>(lots);
+    facing.targets[i].weight = static_cast<float>(lot_count) / static_cast<float>(lots);
   }
 }
 
@@ -53,7 +52,7 @@ sun_facing make_sun_facing(const sun_plan& sun, const qv_3dvector& normal, bool 
   made.normal = normal;
   made.has_cosine = has_cosine;
   made.masses.assign(node_count, 0);
-  made.directions = sun.nodes;
+  for (const qv_3dvector& node : sun.nodes) made.targets.push_back({node, 0});
 
   std::vector<bool> used(node_count, false);
   for (const lit_step& step : sun.lit) {
@@ -67,9 +66,9 @@ sun_facing make_sun_facing(const sun_plan& sun, const qv_3dvector& normal, bool 
     }
   }
   if (has_cosine && !sun.exact_nodes) {
-    for (qv_3dvector& direction : made.directions) {
-      const float missing = least_node_cosine - direction.dot(normal);
-      if (missing > 0) direction = (direction + normal * missing).normalized();
+    for (sun_facing::target& t : made.targets) {
+      const float missing = least_node_cosine - t.direction.dot(normal);
+      if (missing > 0) t.direction = (t.direction + normal * missing).normalized();
     }
   }
   deal_lots(made, used);

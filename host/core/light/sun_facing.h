@@ -22,14 +22,18 @@ struct sun_facing {
   bool has_cosine = false;
   /// By node: irradiation times cosine of its steps, W/m².
   std::vector<float> masses;
-  /// By node: unit direction in which these surfaces look for it. Nodes behind the surface or
-  /// grazing it are looked for a little above it: the visibility of a sun that grazes the surface
-  /// is wanted, not that of a node behind it.
-  std::vector<qv_3dvector> directions;
+  /// Where a node is looked for.
+  struct target {
+    /// Unit direction. Nodes behind the surface or grazing it are looked for a little above it: the
+    /// visibility of a sun that grazes the surface is wanted, not that of a node behind it.
+    qv_3dvector direction;
+    /// Number of lots over the node's share of them; 0 for a node that has none.
+    float weight = 0;
+  };
+  /// By node.
+  std::vector<target> targets;
   /// Node numbers, each as often as it is to be drawn; none when no step shines on these surfaces.
   std::vector<int> lots;
-  /// By node: number of lots over its share of them.
-  std::vector<float> lot_weights;
 };
 
 /// The facing for surfaces of unit normal `normal`; with `has_cosine` false, for all of them.

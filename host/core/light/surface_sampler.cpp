@@ -1,6 +1,7 @@
 #include "core/light/surface_sampler.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -13,13 +14,8 @@ namespace {
 
 /// Halving a triangle more often leaves nothing that single precision tells apart.
 constexpr int most_halvings = 40;
-/// Strata of 1 / 2^this and larger need no halving of their own.
-constexpr int table_fineness = 5;
 /// Parts of the row for each piece, so that few parts hold more than one piece's beginning.
 constexpr std::size_t parts_per_piece = 4;
-/// Pieces of more complex regions than this are left as they are.
-constexpr std::size_t most_pieces = 4096;
-
 struct triangle {
   qv_3dvector apex, from, to;
   double area;
@@ -37,6 +33,72 @@ triangle make_triangle(const qv_3dvector& a, const qv_3dvector& b, const qv_3dve
   return {c, a, b, area};
 }
 
+/// A point of a triangle, in units of the sides `from` and `to` from its apex.
+struct side_units {
+  float from, to;
+};
+
+/// Where a part of a triangle lies in it.
+struct triangle_part {
+  side_units apex, from, to;
+
+  constexpr side_units get_point_of_whole(const side_units& p) const {
+    return {apex.from + from.from * p.from + to.from * p.to,
+            apex.to + from.to * p.from + to.to * p.to};
+  }
+};
+
+/// The part is halved between its apex and the middle of the longest side, which is the apex of
+/// both halves.
+constexpr triangle_part halve(const triangle_part& whole, bool second) {
+  const side_units middle = {(whole.from.from + whole.to.from) / 2,
+                             (whole.from.to + whole.to.to) / 2};
+  const side_units back = {-middle.from, -middle.to};
+  const side_units apex = {whole.apex.from + middle.from, whole.apex.to + middle.to};
+  if (second) return {apex, back, {whole.to.from - middle.from, whole.to.to - middle.to}};
+  return {apex, {whole.from.from - middle.from, whole.from.to - middle.to}, back};
+}
+
+/// All parts after 0, 1, 2 … halvings, one after the other along the row: those after n halvings
+/// begin at number 2^n − 1. Their numbers are multiples of powers of 1/2, and exact.
+constexpr int table_halvings = 6;
+using part_table = std::array<triangle_part, (2u << table_halvings) - 1>;
+
+constexpr part_table make_parts() {
+  part_table parts{};
+  parts[0] = {{0, 0}, {1, 0}, {0, 1}};
+  for (std::size_t i = 0; 2 * i + 2 < parts.size(); ++i) {
+    parts[2 * i + 1] = halve(parts[i], false);
+    parts[2 * i + 2] = halve(parts[i], true);
+  }
+  return parts;
+}
+
+constexpr part_table parts_of_triangle = make_parts();
+
+/// The point at `position` (0 … 1) of the row through a triangle that is halved `halvings` times.
+side_units get_point_of_triangle(double position, float across, int halvings) {
+  // Parts of the triangle, parts of these, and so on; the row through each is a whole one again.
+  const triangle_part* nested[most_halvings / table_halvings + 1];
+  int depth = 0;
+  double rest = std::clamp(position, 0.0, 1 - 0x1p-53);
+  while (halvings > 0) {
+    const int step = std::min(halvings, table_halvings);
+    const auto count = std::size_t{1} << step;
+    rest *= static_cast<double>(count);
+    const auto part = static_cast<std::size_t>(rest);
+    rest -= static_cast<double>(part);
+    nested[depth++] = &parts_of_triangle[count - 1 + part];
+    halvings -= step;
+  }
+  const auto along = static_cast<float>(rest);
+  // The half of the parallelogram beyond the triangle is turned back onto it.
+  const float beyond = along + across > 1 ? 1.0f : 0.0f;
+  side_units point = {beyond + (1 - 2 * beyond) * along, beyond + (1 - 2 * beyond) * across};
+  while (depth > 0) point = nested[--depth]->get_point_of_whole(point);
+  return point;
+}
+
 }  // namespace
 
 surface_sampler::surface_sampler(const qv_polygon& polygon, const qv_3dvector& lift) {
@@ -52,44 +114,16 @@ surface_sampler::surface_sampler(const qv_polygon& polygon, const qv_3dvector& l
   double begin = 0;
   for (const triangle& t : triangles) {
     const double share = t.area / area_;
-    pieces_.push_back(make_piece(t.apex, t.from - t.apex, t.to - t.apex, begin, share));
+    add_piece(t.apex, t.from - t.apex, t.to - t.apex, begin, share);
     begin += share;
   }
-  refine();
   index_pieces();
 }
 
-surface_sampler::piece surface_sampler::make_piece(const qv_3dvector& apex, const qv_3dvector& from,
-                                                   const qv_3dvector& to, double begin,
-                                                   double share) {
-  return {apex,
-          from,
-          to,
-          begin,
-          share,
-          1 / share,
-          std::max(0, static_cast<int>(std::floor(-std::log2(share))))};
-}
-
-/// Halves pieces until none is larger than half a stratum of the table's fineness.
-void surface_sampler::refine() {
-  bool changed = true;
-  while (changed && 2 * pieces_.size() <= most_pieces) {
-    changed = false;
-    std::vector<piece> finer;
-    for (const piece& p : pieces_) {
-      if (p.coarseness > table_fineness) {
-        finer.push_back(p);
-        continue;
-      }
-      changed = true;
-      const qv_3dvector middle = (p.from + p.to) * 0.5f;
-      const qv_3dvector apex = p.apex + middle;
-      finer.push_back(make_piece(apex, p.from - middle, -middle, p.begin, p.share / 2));
-      finer.push_back(make_piece(apex, -middle, p.to - middle, p.begin + p.share / 2, p.share / 2));
-    }
-    pieces_.swap(finer);
-  }
+void surface_sampler::add_piece(const qv_3dvector& apex, const qv_3dvector& from,
+                                const qv_3dvector& to, double begin, double share) {
+  pieces_.push_back({apex, from, to, begin, 1 / share,
+                     std::max(0, static_cast<int>(std::floor(-std::log2(share))))});
 }
 
 void surface_sampler::index_pieces() {
@@ -104,7 +138,7 @@ void surface_sampler::index_pieces() {
   }
   // Position 1, and the end of the last piece.
   first_.push_back(last);
-  pieces_.push_back(make_piece({}, {}, {}, std::numeric_limits<double>::infinity(), 1));
+  add_piece({}, {}, {}, std::numeric_limits<double>::infinity(), 1);
 }
 
 qv_3dvector surface_sampler::get_lowest(const qv_3dvector& direction) const {
@@ -117,22 +151,13 @@ qv_3dvector surface_sampler::get_lowest(const qv_3dvector& direction) const {
   return lowest;
 }
 
-qv_3dvector surface_sampler::get_halved_point(const piece& p, double along, float across,
-                                              int fineness) {
-  double rest = std::clamp(along, 0.0, 1.0);
-  qv_3dvector apex = p.apex, from = p.from, to = p.to;
-  const int halvings = std::min(fineness + 1 - p.coarseness, most_halvings);
-  for (int i = 0; i < halvings; ++i) {
-    const qv_3dvector middle = (from + to) * 0.5f;
-    rest *= 2;
-    // The first half keeps `from` and the second `to`, without a branch on what is random.
-    const float second = rest < 1 ? 0.0f : 1.0f;
-    from = from * (1 - second) - middle;
-    to = to * second - middle;
-    rest -= second;
-    apex += middle;
-  }
-  return get_point_of(apex, from, to, rest, across);
+qv_3dvector surface_sampler::get_point(double position, float across, int fineness) const {
+  const piece& p = pieces_[find_piece(position)];
+  const int halvings = std::clamp(fineness + 1 - p.coarseness, 0, most_halvings);
+  const side_units at = get_point_of_triangle((position - p.begin) * p.inverse, across, halvings);
+  return {p.apex.x + p.from.x * at.from + p.to.x * at.to,
+          p.apex.y + p.from.y * at.from + p.to.y * at.to,
+          p.apex.z + p.from.z * at.from + p.to.z * at.to};
 }
 
 }  // namespace qv::light

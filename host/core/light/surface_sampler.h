@@ -16,8 +16,7 @@ namespace qv::light {
 /// neighbours in the region: stratifying the row stratifies the area.
 ///
 /// The row goes through the region's triangles one after the other, and through each as a
-/// space-filling curve does: first through one half of the triangle, then the other, and so on. The
-/// first halvings are made beforehand, since most strata need no more.
+/// space-filling curve does: first through one half of the triangle, then the other, and so on.
 class surface_sampler {
  public:
   /// The points lie on `polygon`'s region moved by `lift`.
@@ -32,26 +31,18 @@ class surface_sampler {
   /// The point at `position` (0 … 1) of the row, where a stratum is 1 / 2^`fineness` of it; a
   /// uniform `across` (0 … 1) spreads points over pieces of half that size. Both uniform make the
   /// points uniform over the area.
-  qv_3dvector get_point(double position, float across, int fineness) const {
-    const std::size_t index = find_piece(position);
-    const piece& p = pieces_[index];
-    const double along = (position - p.begin) * p.inverse;
-    return fineness < p.coarseness ? get_point_of(p.apex, p.from, p.to, along, across)
-                                   : get_halved_point(p, along, across, fineness);
-  }
+  qv_3dvector get_point(double position, float across, int fineness) const;
 
  private:
   /// A triangle, the longest side of which runs from apex + `from` to apex + `to`.
   struct piece {
     qv_3dvector apex, from, to;
     double begin;    // of its part of the row
-    double share;    // length of its part of the row
-    double inverse;  // of that length
-    int coarseness;  // share ≤ 2^−coarseness
+    double inverse;  // of that part's length
+    int coarseness;  // the part's length ≤ 2^−coarseness
   };
-  static piece make_piece(const qv_3dvector& apex, const qv_3dvector& from, const qv_3dvector& to,
-                          double begin, double share);
-  void refine();
+  void add_piece(const qv_3dvector& apex, const qv_3dvector& from, const qv_3dvector& to,
+                 double begin, double share);
   void index_pieces();
 
   /// Which piece is met at a point is left to chance, so that branches on it cannot be foreseen by
@@ -62,17 +53,6 @@ class surface_sampler {
     while (pieces_[index + 1].begin <= position) ++index;
     return index;
   }
-  static qv_3dvector get_point_of(const qv_3dvector& apex, const qv_3dvector& from,
-                                  const qv_3dvector& to, double position, float across) {
-    auto along = static_cast<float>(position < 1 ? (position > 0 ? position : 0) : 1);
-    // The half of the parallelogram beyond the triangle is turned back onto it.
-    const float beyond = along + across > 1 ? 1.0f : 0.0f;
-    along = beyond + (1 - 2 * beyond) * along;
-    across = beyond + (1 - 2 * beyond) * across;
-    return {apex.x + from.x * along + to.x * across, apex.y + from.y * along + to.y * across,
-            apex.z + from.z * along + to.z * across};
-  }
-  static qv_3dvector get_halved_point(const piece& p, double along, float across, int fineness);
 
   std::vector<piece> pieces_;  // along the row; one more ends it
   std::vector<int> first_;     // piece in which each of equal parts of the row begins
