@@ -46,30 +46,43 @@ class step_random {
 /// Points of a surface, evenly along its row (`surface_sampler`), to be chosen from where many
 /// steps need a few points each: a choice costs a fraction of a new point.
 ///
-/// They are themselves random, one in each of 2,048 equal parts of the area: what they are off the
-/// whole surface is small beside what a step's few samples are off them.
+/// They are themselves random, one in each of 2^`bits` equal parts of the area. What they are off
+/// the whole surface is common to all steps, and with 128 of them or more for each sample of a step
+/// it is still small beside what the samples of some thousand steps are off them.
 class point_pool {
  public:
-  static constexpr int bit_count = 11;
-  static constexpr int size = 1 << bit_count;
-  /// Most samples of a step for which choosing does as well as new points.
-  static constexpr int most_samples = size / 64;
+  static constexpr int least_bits = 11;
+  static constexpr int most_bits = 13;
+  static constexpr int points_per_sample = 128;
 
-  point_pool(const surface_sampler& surface, step_random random) {
-    for (int i = 0; i < size; ++i) {
-      const std::uint64_t bits = random.dice();
-      const double within = to_unit(static_cast<std::uint32_t>(bits >> 32));
-      points_[static_cast<std::size_t>(i)] = surface.get_point(
-          (i + within) / size, to_unit(static_cast<std::uint32_t>(bits)), bit_count - 1);
+  point_pool(const surface_sampler& surface, int bits, step_random random)
+      : points_(std::size_t{1} << bits), shift_(32 - bits) {
+    const auto count = static_cast<double>(points_.size());
+    double begin = 0;
+    for (qv_3dvector& point : points_) {
+      const std::uint64_t dice = random.dice();
+      const double within = to_unit(static_cast<std::uint32_t>(dice >> 32));
+      point = surface.get_point((begin + within) / count, to_unit(static_cast<std::uint32_t>(dice)),
+                                bits - 1);
+      begin += 1;
     }
   }
 
-  const qv_3dvector& get_point(std::uint32_t position) const {
-    return points_[position >> (32 - bit_count)];
+  /// A pool for steps of `step_samples` samples each, null where new points do better.
+  static std::unique_ptr<const point_pool> make(const surface_sampler& surface, int step_samples,
+                                                std::size_t step_count, step_random random) {
+    const auto wanted = static_cast<unsigned int>(points_per_sample * step_samples);
+    const int bits = std::max(least_bits, static_cast<int>(std::bit_width(wanted - 1)));
+    const double samples = static_cast<double>(step_samples) * static_cast<double>(step_count);
+    if (bits > most_bits || samples < 2.0 * (1 << bits)) return nullptr;
+    return std::make_unique<const point_pool>(surface, bits, random);
   }
 
+  const qv_3dvector& get_point(std::uint32_t position) const { return points_[position >> shift_]; }
+
  private:
-  std::array<qv_3dvector, size> points_;
+  std::vector<qv_3dvector> points_;
+  int shift_;
 };
 
 /// Positions on a surface's row, as shares of 2³²: two in each of `count` / 2 equal strata.
@@ -83,8 +96,8 @@ class paired_positions {
   /// Two of the next stratum.
   std::array<std::uint32_t, 2> take() {
     const std::uint64_t bits = random_.dice();
-    const std::array<std::uint32_t, 2> pair = {get_position(bits >> 32, 32),
-                                               get_position(bits & 0xffffffffu, 32)};
+    const std::array<std::uint32_t, 2> pair = {get_position(bits >> 32),
+                                               get_position(bits & 0xffffffffu)};
     stratum_ += static_cast<std::uint32_t>(width_);
     return pair;
   }
@@ -92,20 +105,20 @@ class paired_positions {
   /// Those of the next four strata, each one of 2¹⁶ that its stratum has: enough for a choice among
   /// the points of a pool, for half the random numbers.
   void take_packet(std::array<std::uint32_t, qv_ray_packet::size>& positions) {
-    for (std::size_t i = 0; i < positions.size();) {
-      std::uint64_t bits = random_.dice();
-      for (int pair = 0; pair < 2; ++pair) {
-        for (int k = 0; k < 2; ++k, bits >>= 16) positions[i++] = get_position(bits & 0xffffu, 16);
-        stratum_ += static_cast<std::uint32_t>(width_);
-      }
+    const auto step = static_cast<std::uint32_t>(width_ >> 16);
+    std::uint64_t bits = 0;
+    for (std::size_t i = 0; i < positions.size(); ++i, bits >>= 16) {
+      if (i % 4 == 0) bits = random_.dice();
+      positions[i] = stratum_ + static_cast<std::uint32_t>(bits & 0xffffu) * step;
+      if (i % 2 == 1) stratum_ += static_cast<std::uint32_t>(width_);
     }
   }
 
   std::uint64_t dice() { return random_.dice(); }
 
  private:
-  std::uint32_t get_position(std::uint64_t bits, int bit_count) const {
-    return stratum_ + static_cast<std::uint32_t>((bits * width_) >> bit_count);
+  std::uint32_t get_position(std::uint64_t bits) const {
+    return stratum_ + static_cast<std::uint32_t>((bits * width_) >> 32);
   }
 
   std::uint64_t width_;  // of a stratum, as a share of 2³²
@@ -277,11 +290,8 @@ step_estimates estimate_beam(const light_scene& scene, const surface_sampler& su
     return found;
   }
 
-  std::unique_ptr<const point_pool> pool;
-  if (step_samples <= point_pool::most_samples &&
-      static_cast<double>(step_samples) * static_cast<double>(front.size()) >
-          2.0 * point_pool::size)
-    pool = std::make_unique<point_pool>(surface, step_random(effort.seed, -1, 0));
+  const auto pool = point_pool::make(surface, std::min(step_samples, 1 << 16), front.size(),
+                                     step_random(effort.seed, -1, 0));
   // Without an error bound all samples of a step are stratified together.
   std::vector<pair_sums> sums(front.size());
   qv_ray_packet packet;

@@ -61,6 +61,18 @@ QV_WIDE void sum_steps(const std::vector<lit_step>& lit, const std::vector<step_
   }
 }
 
+/// Sum of the products of two lists.
+QV_WIDE double get_product(const float* a, const float* b, std::size_t count) {
+  // Four sums at a time, which do not wait for each other.
+  constexpr std::size_t lanes = 4;
+  double sums[lanes] = {};
+  std::size_t i = 0;
+  for (; i + lanes <= count; i += lanes)
+    for (std::size_t k = 0; k < lanes; ++k) sums[k] += static_cast<double>(a[i + k]) * b[i + k];
+  for (; i < count; ++i) sums[0] += static_cast<double>(a[i]) * b[i];
+  return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+}
+
 }  // namespace
 
 set_mean get_mean(const light_paths::set_values& values) {
@@ -99,14 +111,10 @@ light_paths::set_values light_paths::get_sums() const {
   const std::size_t node_count = scene_.sun.nodes.size();
   set_values sums{};
   for (const facing& from : facings_) {
-    const std::vector<float>& masses = from.to_sun->masses;
-    for (std::size_t set = 0; set < set_count; ++set) {
-      // Four sums at a time, which do not wait for each other.
-      std::array<double, 4> parts{};
-      const float* values = &from.values[set * node_count];
-      for (std::size_t node = 0; node < node_count; ++node)
-        parts[node % parts.size()] += static_cast<double>(masses[node]) * values[node];
-      sums[set] += (parts[0] + parts[1]) + (parts[2] + parts[3]);
+    const float* values = from.values.data();
+    for (double& sum : sums) {
+      sum += get_product(from.to_sun->masses.data(), values, node_count);
+      values += node_count;
     }
   }
   for (std::size_t set = 0; set < set_count; ++set)

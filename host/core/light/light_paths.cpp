@@ -78,6 +78,25 @@ QV_WIDE void get_cosine_directions(const eight_vectors& normals, const float* u,
   }
 }
 
+/// Of a packet of rays towards nodes of the sun keeps those that lie before a surface, and lets
+/// these count by their cosines.
+void leave_out_suns_behind(const qv_3dvector& normal, qv_ray_packet& packet, int* nodes,
+                           float* weights) {
+  int kept = 0;
+  for (int i = 0; i < packet.count; ++i) {
+    const qv_3dvector direction(packet.direction_x[i], packet.direction_y[i],
+                                packet.direction_z[i]);
+    const float cosine = direction.dot(normal);
+    if (!(cosine > 0)) continue;
+    packet.direction_x[kept] = direction.x;
+    packet.direction_y[kept] = direction.y;
+    packet.direction_z[kept] = direction.z;
+    nodes[kept] = nodes[i];
+    weights[kept++] = cosine * weights[i];
+  }
+  packet.count = kept;
+}
+
 /// The sequence of starts (number 0) and those of what happens at a path's first, second… surface.
 scrambling make_scrambling(std::uint32_t set_seed, int number) {
   return scrambling(combine_seeds(set_seed, static_cast<std::uint32_t>(number)));
@@ -171,6 +190,7 @@ void light_paths::run(int rays, float error) {
       for (int first = paths_per_set_; first < next; first += wave::most)
         follow(set, first, std::min(wave::most, next - first));
     paths_per_set_ = next;
+    if (next == paths) break;
     const set_mean sum = get_mean(get_sums());
     if (std::sqrt(sum.variance) <= error * sum.mean) break;
     next = std::min(2 * next, paths);
@@ -319,26 +339,25 @@ void light_paths::gather_sun(const vertex& at, std::size_t set, float jitter) {
   if (seen.lots.empty()) return;
 
   qv_ray_packet& packet = sun_packet_;
-  packet.count = 0;
   int nodes[packet_size];
   float weights[packet_size];
+  packet.count = packet_size;
+  constexpr float lots_each = static_cast<float>(sun_facing::lot_count) / packet_size;
   for (int i = 0; i < packet_size; ++i) {
-    const auto lot = static_cast<int>((static_cast<float>(i) + jitter) *
-                                      (static_cast<float>(sun_facing::lot_count) / packet_size));
+    const auto lot = static_cast<int>((static_cast<float>(i) + jitter) * lots_each);
     const int node = seen.lots[static_cast<std::size_t>(std::min(lot, sun_facing::lot_count - 1))];
     const sun_facing::target& target = seen.targets[static_cast<std::size_t>(node)];
-    const float cosine = seen.has_cosine ? 1 : target.direction.dot(at.normal);
-    if (!(cosine > 0)) continue;
-    packet.set_ray(packet.count, at.point, target.direction);
-    nodes[packet.count] = node;
-    weights[packet.count] = cosine * at.weight * target.weight / packet_size;
-    ++packet.count;
+    packet.set_ray(i, at.point, target.direction);
+    nodes[i] = node;
+    weights[i] = target.weight;
   }
+  if (!seen.has_cosine) leave_out_suns_behind(at.normal, packet, nodes, weights);
   if (packet.count == 0) return;
   sun_rays_ += packet.count;
   scene_.tracer->find_light(packet, scene_.get_transmission(), false);
   float* values = get_values(found, set);
-  for (int i = 0; i < packet.count; ++i) values[nodes[i]] += weights[i] * packet.light[i];
+  const float share = at.weight / packet_size;
+  for (int i = 0; i < packet.count; ++i) values[nodes[i]] += share * weights[i] * packet.light[i];
 }
 
 /// One node by one way over mirrors. The light does not come from the node itself, so its cosine of

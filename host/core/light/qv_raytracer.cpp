@@ -289,20 +289,27 @@ inline void place(RTCRay8& target, const qv_ray_packet& packet, const qv_3dvecto
   }
 }
 
-/// Looks in the way of the rays that are still `valid` of a packet: they become invalid and dark
-/// when anything is.
-QV_WIDE void look_in(const level& l, qv_ray_packet& packet, int* valid, trace_context& context) {
-  alignas(32) RTCRay8 query;
-  place(query, packet, l.centre);
-  for (float& far : query.tfar) far = farthest_light;
-  context.current = &l;
-  context.kernel.filter =
-      l.has_dead() || context.transmission != nullptr ? accept_occluder : nullptr;
-  rtcOccluded8(valid, l.scene, &context.kernel, &query);
+/// Looks in the way of a packet's rays, which become dark when anything is.
+QV_WIDE void look_in(const std::vector<level>& levels, qv_ray_packet& packet,
+                     trace_context& context) {
+  alignas(32) int valid[qv_ray_packet::size];
   for (int i = 0; i < qv_ray_packet::size; ++i) {
-    const bool dark = query.tfar[i] < 0;
-    packet.light[i] = dark ? 0 : packet.light[i];
-    valid[i] = dark ? 0 : valid[i];
+    valid[i] = i < packet.count ? -1 : 0;
+    packet.light[i] = i < packet.count ? 1.0f : 0.0f;
+  }
+  alignas(32) RTCRay8 query;
+  for (const level& l : levels) {
+    place(query, packet, l.centre);
+    for (float& far : query.tfar) far = farthest_light;
+    context.current = &l;
+    context.kernel.filter =
+        l.has_dead() || context.transmission != nullptr ? accept_occluder : nullptr;
+    rtcOccluded8(valid, l.scene, &context.kernel, &query);
+    for (int i = 0; i < qv_ray_packet::size; ++i) {
+      const bool dark = query.tfar[i] < 0;
+      packet.light[i] = dark ? 0 : packet.light[i];
+      valid[i] = dark ? 0 : valid[i];
+    }
   }
 }
 
@@ -544,13 +551,7 @@ void qv_raytracer::find_light(qv_ray_packet& packet, const float* transmission,
   context.light = packet.light;
   if (transmission != nullptr) context.passed_mesh.fill(-1);
 
-  alignas(32) int valid[qv_ray_packet::size];
-  for (int i = 0; i < qv_ray_packet::size; ++i) {
-    const bool asked = i < packet.count;
-    valid[i] = asked ? -1 : 0;
-    packet.light[i] = asked ? 1.0f : 0.0f;
-  }
-  for (const level& l : kernel_->levels) look_in(l, packet, valid, context);
+  look_in(kernel_->levels, packet, context);
 }
 
 void qv_raytracer::find_hits(const qv_ray_packet& packet, qv_packet_hits& hits) const {

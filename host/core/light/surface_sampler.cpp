@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 
 #include "utilities/qv_polygon.h"
@@ -76,25 +77,28 @@ constexpr part_table make_parts() {
 
 constexpr part_table parts_of_triangle = make_parts();
 
+/// Bits of a position on the row through a triangle.
+constexpr int position_bits = 52;
+
 /// The point at `position` (0 … 1) of the row through a triangle that is halved `halvings` times.
 side_units get_point_of_triangle(double position, float across, int halvings) {
   // Parts of the triangle, parts of these, and so on; the row through each is a whole one again.
   const triangle_part* nested[most_halvings / table_halvings + 1];
   int depth = 0;
-  double rest = std::clamp(position, 0.0, 1 - 0x1p-53);
+  constexpr std::int64_t end = std::int64_t{1} << position_bits;
+  auto rest = std::clamp(static_cast<std::int64_t>(position * end), std::int64_t{0}, end - 1);
   while (halvings > 0) {
     const int step = std::min(halvings, table_halvings);
-    const auto count = std::size_t{1} << step;
-    rest *= static_cast<double>(count);
-    const auto part = static_cast<std::size_t>(rest);
-    rest -= static_cast<double>(part);
-    nested[depth++] = &parts_of_triangle[count - 1 + part];
+    const std::int64_t part = rest >> (position_bits - step);
+    rest = (rest << step) & (end - 1);
+    nested[depth++] = &parts_of_triangle[static_cast<std::size_t>((1 << step) - 1 + part)];
     halvings -= step;
   }
-  const auto along = static_cast<float>(rest);
-  // The half of the parallelogram beyond the triangle is turned back onto it.
-  const float beyond = along + across > 1 ? 1.0f : 0.0f;
-  side_units point = {beyond + (1 - 2 * beyond) * along, beyond + (1 - 2 * beyond) * across};
+  // From the square onto the triangle, area for area: E. Heitz, A low-distortion map between
+  // triangle and square, 2019.
+  const float along = static_cast<float>(rest) / static_cast<float>(end);
+  const float half = std::min(along, across) / 2;
+  side_units point = {along - half, across - half};
   while (depth > 0) point = nested[--depth]->get_point_of_whole(point);
   return point;
 }
