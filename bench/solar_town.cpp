@@ -117,12 +117,12 @@ facade_receiver::facade_receiver(solar_town& town, const qv_polygon& facade,
 
 double facade_receiver::get_year() const {
   const qvi_sun* sun = get_sun();
+  const qv_list<float>& direct = sun->get_direct_irradiation();
+  const qv_list<float>& diffuse = sun->get_diffuse_irradiation();
   double sum = 0;
   for (int i = 0; i < sun->get_nb_values(); ++i) {
-    sum += sun->get_direct_irradiation()[i] *
-           (static_cast<double>(get_direct_direct(i)) + get_indirect_direct(i));
-    sum += sun->get_diffuse_irradiation()[i] *
-           (static_cast<double>(get_direct_diffuse(i)) + get_indirect_diffuse(i));
+    sum += direct[i] * (static_cast<double>(get_direct_direct(i)) + get_indirect_direct(i));
+    sum += diffuse[i] * (static_cast<double>(get_direct_diffuse(i)) + get_indirect_diffuse(i));
   }
   return sum;
 }

@@ -22,17 +22,28 @@ constexpr int least_way_samples = 2;
 constexpr double most_short_ways = 16;
 constexpr int long_way_choices = 4;
 
-/// Random numbers of one step.
+/// Block of random numbers that make the points of a pool; those of steps count from 0.
+constexpr int pool_block = -1;
+
+/// Random numbers. Those of different blocks, and of different steps in a block, have nothing in
+/// common.
 class step_random {
  public:
-  step_random(std::uint32_t seed, int step, int block)
-      : state_((std::uint64_t{combine_seeds(seed, static_cast<std::uint32_t>(step))} << 32) |
+  step_random(std::uint32_t seed, int block)
+      : state_((std::uint64_t{combine_seeds(seed, static_cast<std::uint32_t>(block))} << 32) |
                combine_seeds(seed + 1, static_cast<std::uint32_t>(block))) {}
+
+  /// Those of a step: a stretch of the block's own that no other step comes to.
+  step_random at_step(int step) const {
+    step_random from = *this;
+    from.state_ += increment * (static_cast<std::uint64_t>(step) << stretch_bits);
+    return from;
+  }
 
   /// SplitMix64: G. L. Steele, D. Lea, C. H. Flood, Fast splittable pseudorandom number generators,
   /// 2014.
   std::uint64_t dice() {
-    state_ += 0x9e3779b97f4a7c15u;
+    state_ += increment;
     std::uint64_t z = state_;
     z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9u;
     z = (z ^ (z >> 27)) * 0x94d049bb133111ebu;
@@ -40,6 +51,9 @@ class step_random {
   }
 
  private:
+  static constexpr std::uint64_t increment = 0x9e3779b97f4a7c15u;
+  /// More numbers than the samples of a step ever take.
+  static constexpr int stretch_bits = 24;
   std::uint64_t state_;
 };
 
@@ -57,12 +71,12 @@ class point_pool {
 
   point_pool(const surface_sampler& surface, int bits, step_random random)
       : points_(std::size_t{1} << bits), shift_(32 - bits) {
-    const auto count = static_cast<double>(points_.size());
+    const double width = 1.0 / static_cast<double>(points_.size());
     double begin = 0;
     for (qv_3dvector& point : points_) {
       const std::uint64_t dice = random.dice();
       const double within = to_unit(static_cast<std::uint32_t>(dice >> 32));
-      point = surface.get_point((begin + within) / count, to_unit(static_cast<std::uint32_t>(dice)),
+      point = surface.get_point((begin + within) * width, to_unit(static_cast<std::uint32_t>(dice)),
                                 bits - 1);
       begin += 1;
     }
@@ -291,7 +305,7 @@ step_estimates estimate_beam(const light_scene& scene, const surface_sampler& su
   }
 
   const auto pool = point_pool::make(surface, std::min(step_samples, 1 << 16), front.size(),
-                                     step_random(effort.seed, -1, 0));
+                                     step_random(effort.seed, pool_block));
   // Without an error bound all samples of a step are stratified together.
   std::vector<pair_sums> sums(front.size());
   qv_ray_packet packet;
@@ -300,10 +314,11 @@ step_estimates estimate_beam(const light_scene& scene, const surface_sampler& su
   for (int done = 0, block = 0; done < step_samples; ++block) {
     weighted_sum = 0;
     found.sum_variance = 0;
+    const step_random random(effort.seed, block);
     for (std::size_t k = 0; k < front.size(); ++k) {
       const lit_step& step = lit[front[k]];
-      sums[k].add(sample_step(scene, surface, pool.get(), step, next,
-                              step_random(effort.seed, step.step, block), packet));
+      sums[k].add(
+          sample_step(scene, surface, pool.get(), step, next, random.at_step(step.step), packet));
       const double weight = step.irradiation * normal.dot(step.direction);
       weighted_sum += weight * sums[k].get_mean();
       found.sum_variance += square(weight) * sums[k].get_variance();
@@ -336,14 +351,14 @@ step_estimates estimate_mirrored_beam(const light_scene& scene, const surface_sa
   const double long_ways = over.get_way_count() - static_cast<double>(short_ways);
   const int samples = get_step_samples(effort.rays / 4.0, lit.size(), least_way_samples);
   for (std::size_t i = 0; i < lit.size(); ++i) {
-    step_random choice(effort.seed, lit[i].step, 0);
+    step_random choice = step_random(effort.seed, 0).at_step(lit[i].step);
     int block = 0;
     const auto sample = [&](std::int64_t way) {
       ++block;
       if (!over.is_possible(normal, lit[i].direction, way)) return pair_sums{0, 0, samples};
       found.samples += samples;
       return sample_way(over, surface, normal, lit[i], way, samples,
-                        step_random(effort.seed, lit[i].step, block));
+                        step_random(effort.seed, block).at_step(lit[i].step));
     };
     for (std::int64_t way = 0; way < short_ways; ++way) {
       const pair_sums sampled = sample(way);

@@ -19,44 +19,41 @@ struct step_source {
   std::vector<float> values;
 };
 
-/// Sums of all sets at one step.
-struct set_sums {
-  using lanes [[gnu::vector_size(32)]] = float;
-  lanes low{}, high{};
+/// Values of eight sets.
+using lanes [[gnu::vector_size(32)]] = float;
+static_assert(2 * sizeof(lanes) == set_count * sizeof(float));
 
-  void add(const float* values, float weight) {
-    lanes first, second;
-    std::memcpy(&first, values, sizeof first);
-    std::memcpy(&second, values + set_count / 2, sizeof second);
-    low += first * weight;
-    high += second * weight;
-  }
-  static double sum(const lanes& of) {
-    return ((of[0] + of[4]) + (of[1] + of[5])) + ((of[2] + of[6]) + (of[3] + of[7]));
-  }
-};
-static_assert(sizeof(set_sums::lanes) == set_count / 2 * sizeof(float));
+inline void add_product(lanes& sum, const float* values, float factor) {
+  lanes loaded;
+  std::memcpy(&loaded, values, sizeof loaded);
+  sum += loaded * factor;
+}
+
+inline double get_sum(const lanes& of) {
+  return ((of[0] + of[4]) + (of[1] + of[5])) + ((of[2] + of[6]) + (of[3] + of[7]));
+}
 
 QV_WIDE void sum_steps(const std::vector<lit_step>& lit, const std::vector<step_source>& sources,
                        int paths_per_set, std::vector<set_mean>& found) {
   const double share = 1.0 / paths_per_set / set_count;
   for (std::size_t i = 0; i < lit.size(); ++i) {
     const lit_step& step = lit[i];
-    set_sums sums;
+    lanes low{}, high{};
     for (const step_source& source : sources) {
       const sun_facing& facing = *source.to_sun;
       const float cosine = facing.has_cosine ? facing.normal.dot(step.direction) : 1;
       if (!(cosine > 0)) continue;
       for (const node_weight& node : step.nodes) {
-        if (!(node.weight > 0)) continue;
-        sums.add(&source.values[static_cast<std::size_t>(node.node) * set_count],
-                 cosine * node.weight);
+        const float* values = &source.values[static_cast<std::size_t>(node.node) * set_count];
+        add_product(low, values, cosine * node.weight);
+        add_product(high, values + set_count / 2, cosine * node.weight);
       }
     }
-    const double total = set_sums::sum(sums.low + sums.high);
+    const double total = get_sum(low + high);
     const auto mean = static_cast<float>(total / set_count);
-    const set_sums::lanes low = sums.low - mean, high = sums.high - mean;
-    const double squares = set_sums::sum(low * low + high * high);
+    low -= mean;
+    high -= mean;
+    const double squares = get_sum(low * low + high * high);
     found[i] = {total * share, squares * set_count / (set_count - 1) * share * share};
   }
 }
@@ -64,11 +61,11 @@ QV_WIDE void sum_steps(const std::vector<lit_step>& lit, const std::vector<step_
 /// Sum of the products of two lists.
 QV_WIDE double get_product(const float* a, const float* b, std::size_t count) {
   // Four sums at a time, which do not wait for each other.
-  constexpr std::size_t lanes = 4;
-  double sums[lanes] = {};
+  constexpr std::size_t width = 4;
+  double sums[width] = {};
   std::size_t i = 0;
-  for (; i + lanes <= count; i += lanes)
-    for (std::size_t k = 0; k < lanes; ++k) sums[k] += static_cast<double>(a[i + k]) * b[i + k];
+  for (; i + width <= count; i += width)
+    for (std::size_t k = 0; k < width; ++k) sums[k] += static_cast<double>(a[i + k]) * b[i + k];
   for (; i < count; ++i) sums[0] += static_cast<double>(a[i]) * b[i];
   return (sums[0] + sums[1]) + (sums[2] + sums[3]);
 }

@@ -339,17 +339,21 @@ void light_paths::gather_sun(const vertex& at, std::size_t set, float jitter) {
   if (seen.lots.empty()) return;
 
   qv_ray_packet& packet = sun_packet_;
+  packet.count = packet_size;
+  std::fill_n(packet.origin_x, packet_size, at.point.x);
+  std::fill_n(packet.origin_y, packet_size, at.point.y);
+  std::fill_n(packet.origin_z, packet_size, at.point.z);
   int nodes[packet_size];
   float weights[packet_size];
-  packet.count = packet_size;
-  constexpr float lots_each = static_cast<float>(sun_facing::lot_count) / packet_size;
-  for (int i = 0; i < packet_size; ++i) {
-    const auto lot = static_cast<int>((static_cast<float>(i) + jitter) * lots_each);
-    const int node = seen.lots[static_cast<std::size_t>(std::min(lot, sun_facing::lot_count - 1))];
-    const sun_facing::target& target = seen.targets[static_cast<std::size_t>(node)];
-    packet.set_ray(i, at.point, target.direction);
-    nodes[i] = node;
+  constexpr int lots_each = sun_facing::lot_count / packet_size;
+  const std::uint16_t* lot = seen.lots.data() + static_cast<int>(jitter * lots_each);
+  for (int i = 0; i < packet_size; ++i, lot += lots_each) {
+    const sun_facing::target& target = seen.targets[*lot];
+    packet.direction_x[i] = target.direction.x;
+    packet.direction_y[i] = target.direction.y;
+    packet.direction_z[i] = target.direction.z;
     weights[i] = target.weight;
+    nodes[i] = *lot;
   }
   if (!seen.has_cosine) leave_out_suns_behind(at.normal, packet, nodes, weights);
   if (packet.count == 0) return;

@@ -39,7 +39,7 @@ void deal_lots(sun_facing& facing, const std::vector<bool>& used) {
     const int end = std::min(lot_count, static_cast<int>(std::lround(position)));
     const int lots = end - static_cast<int>(facing.lots.size());
     if (lots <= 0) continue;
-    facing.lots.resize(static_cast<std::size_t>(end), static_cast<int>(i));
+    facing.lots.resize(static_cast<std::size_t>(end), static_cast<std::uint16_t>(i));
     facing.targets[i].weight = static_cast<float>(lot_count) / static_cast<float>(lots);
   }
 }

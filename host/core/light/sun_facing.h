@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -33,7 +34,7 @@ struct sun_facing {
   /// By node.
   std::vector<target> targets;
   /// Node numbers, each as often as it is to be drawn; none when no step shines on these surfaces.
-  std::vector<int> lots;
+  std::vector<std::uint16_t> lots;
 };
 
 /// The facing for surfaces of unit normal `normal`; with `has_cosine` false, for all of them.

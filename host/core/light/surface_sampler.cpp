@@ -15,6 +15,11 @@ namespace {
 
 /// Halving a triangle more often leaves nothing that single precision tells apart.
 constexpr int most_halvings = 40;
+/// Pieces are halved beforehand until none has more than 1 / 2^this of the row, so that most points
+/// are found at the first look at the table of parts below.
+constexpr int piece_coarseness = 6;
+/// Pieces of more complex regions than this are left as they are.
+constexpr std::size_t most_pieces = 4096;
 /// Parts of the row for each piece, so that few parts hold more than one piece's beginning.
 constexpr std::size_t parts_per_piece = 4;
 struct triangle {
@@ -118,16 +123,44 @@ surface_sampler::surface_sampler(const qv_polygon& polygon, const qv_3dvector& l
   double begin = 0;
   for (const triangle& t : triangles) {
     const double share = t.area / area_;
-    add_piece(t.apex, t.from - t.apex, t.to - t.apex, begin, share);
+    pieces_.push_back(make_piece(t.apex, t.from - t.apex, t.to - t.apex, begin, share));
     begin += share;
   }
+  refine();
   index_pieces();
 }
 
-void surface_sampler::add_piece(const qv_3dvector& apex, const qv_3dvector& from,
-                                const qv_3dvector& to, double begin, double share) {
-  pieces_.push_back({apex, from, to, begin, 1 / share,
-                     std::max(0, static_cast<int>(std::floor(-std::log2(share))))});
+surface_sampler::piece surface_sampler::make_piece(const qv_3dvector& apex, const qv_3dvector& from,
+                                                   const qv_3dvector& to, double begin,
+                                                   double share) {
+  return {apex,
+          from,
+          to,
+          begin,
+          share,
+          1 / share,
+          std::max(0, static_cast<int>(std::floor(-std::log2(share))))};
+}
+
+void surface_sampler::refine() {
+  bool changed = true;
+  while (changed && 2 * pieces_.size() <= most_pieces) {
+    changed = false;
+    std::vector<piece> finer;
+    finer.reserve(2 * pieces_.size());
+    for (const piece& p : pieces_) {
+      if (p.coarseness >= piece_coarseness) {
+        finer.push_back(p);
+        continue;
+      }
+      changed = true;
+      const qv_3dvector middle = (p.from + p.to) * 0.5f;
+      const qv_3dvector apex = p.apex + middle;
+      finer.push_back(make_piece(apex, p.from - middle, -middle, p.begin, p.share / 2));
+      finer.push_back(make_piece(apex, -middle, p.to - middle, p.begin + p.share / 2, p.share / 2));
+    }
+    pieces_.swap(finer);
+  }
 }
 
 void surface_sampler::index_pieces() {
@@ -142,7 +175,7 @@ void surface_sampler::index_pieces() {
   }
   // Position 1, and the end of the last piece.
   first_.push_back(last);
-  add_piece({}, {}, {}, std::numeric_limits<double>::infinity(), 1);
+  pieces_.push_back(make_piece({}, {}, {}, std::numeric_limits<double>::infinity(), 1));
 }
 
 qv_3dvector surface_sampler::get_lowest(const qv_3dvector& direction) const {

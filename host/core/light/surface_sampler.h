@@ -16,7 +16,8 @@ namespace qv::light {
 /// neighbours in the region: stratifying the row stratifies the area.
 ///
 /// The row goes through the region's triangles one after the other, and through each as a
-/// space-filling curve does: first through one half of the triangle, then the other, and so on.
+/// space-filling curve does: first through one half of the triangle, then the other, and so on. The
+/// first halvings are made beforehand.
 class surface_sampler {
  public:
   /// The points lie on `polygon`'s region moved by `lift`.
@@ -38,11 +39,13 @@ class surface_sampler {
   struct piece {
     qv_3dvector apex, from, to;
     double begin;    // of its part of the row
-    double inverse;  // of that part's length
-    int coarseness;  // the part's length ≤ 2^−coarseness
+    double share;    // length of its part of the row
+    double inverse;  // of that length
+    int coarseness;  // share ≤ 2^−coarseness
   };
-  void add_piece(const qv_3dvector& apex, const qv_3dvector& from, const qv_3dvector& to,
-                 double begin, double share);
+  static piece make_piece(const qv_3dvector& apex, const qv_3dvector& from, const qv_3dvector& to,
+                          double begin, double share);
+  void refine();
   void index_pieces();
 
   /// Which piece is met at a point is left to chance, so that branches on it cannot be foreseen by
