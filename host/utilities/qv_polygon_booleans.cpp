@@ -1,7 +1,9 @@
 #include <cmath>
 #include <iterator>
+#include <optional>
 #include <utility>
 
+#include "utilities/qv_plain_difference.h"
 #include "utilities/qv_plane_projection.h"
 #include "utilities/qv_plane_snap.h"
 #include "utilities/qv_polygon.h"
@@ -30,7 +32,9 @@ plane::region combine(boolean_operation operation, plane::region left, plane::re
     return left;
   }
   plane::snap(left, right);
-  plane::region result = plane::overlay(operation, left, right);
+  std::optional<plane::region> plain;
+  if (operation == boolean_operation::subtract) plain = plane::subtract_plainly(left, right);
+  plane::region result = plain ? *std::move(plain) : plane::overlay(operation, left, right);
   plane::drop_slivers(result);
   return result;
 }
