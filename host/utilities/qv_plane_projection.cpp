@@ -42,7 +42,40 @@ void for_each_point(region& pieces, Function function) {
   }
 }
 
+// The contours of `operand` in the frame, without those that enclose nothing. `number_of` numbers
+// the vertex that a point stands for.
+template <class Numbering>
+std::vector<ring> make_contours(const qv_polygon& operand, const qv_plane_frame& frame,
+                                Numbering number_of) {
+  std::vector<ring> contours;
+  contours.reserve(static_cast<std::size_t>(operand.get_contour_count()));
+  const qv_3dvector* vertex = operand.get_contour_vertices().begin();
+  for (const unsigned int size : operand.get_contour_sizes()) {
+    const qv_3dvector* const first = vertex;
+    vertex += size;
+    if (size < 3 || !std::all_of(first, vertex, is_geometry)) continue;
+    ring contour;
+    contour.reserve(size);
+    for (const qv_3dvector* v = first; v != vertex; ++v) {
+      point p;
+      frame.to_plane(*v, p.a, p.b);
+      if (!contour.empty() && is_repeated(contour.back(), p)) continue;
+      p.source = number_of(*v);
+      contour.push_back(p);
+    }
+    while (contour.size() > 1 && is_repeated(contour.front(), contour.back())) contour.pop_back();
+    if (contour.size() >= 3) contours.push_back(std::move(contour));
+  }
+  return contours;
+}
+
 }  // namespace
+
+region get_own_region(const qv_polygon& polygon) {
+  const qv_plane_frame frame(get_origin(polygon), polygon.get_normal());
+  if (!frame.is_valid()) return {};
+  return normalise(make_contours(polygon, frame, [](const qv_3dvector&) { return -1; }));
+}
 
 projection::projection(const qv_polygon& receiver)
     : receiver_(receiver), frame_(get_origin(receiver), receiver.get_normal()) {}
@@ -98,31 +131,15 @@ void projection::write(const region& pieces, qv_polygon& polygon) const {
 }
 
 std::vector<ring> projection::get_contours(const qv_polygon& operand) {
-  std::vector<ring> contours;
   const bool is_receiver = &operand == &receiver_;
-  const qv_3dvector* vertex = operand.get_contour_vertices().begin();
-  for (const unsigned int size : operand.get_contour_sizes()) {
-    const qv_3dvector* const first = vertex;
-    vertex += size;
-    if (size < 3 || !std::all_of(first, vertex, is_geometry)) continue;
-    ring contour;
-    contour.reserve(size);
-    for (const qv_3dvector* v = first; v != vertex; ++v) {
-      point p;
-      frame_.to_plane(*v, p.a, p.b);
-      if (!contour.empty() && is_repeated(contour.back(), p)) continue;
-      if (is_receiver || is_in_plane(*v)) {
-        p.source = static_cast<int>(vertices_.size());
-        vertices_.push_back(*v);
-      }
-      contour.push_back(p);
-    }
-    while (contour.size() > 1 && is_repeated(contour.front(), contour.back())) contour.pop_back();
-    if (contour.size() < 3) continue;
+  std::vector<ring> contours = make_contours(operand, frame_, [&](const qv_3dvector& vertex) {
+    if (!is_receiver && !is_in_plane(vertex)) return -1;
+    vertices_.push_back(vertex);
+    return static_cast<int>(vertices_.size()) - 1;
+  });
+  for (const ring& contour : contours)
     for (const point& p : contour)
       if (p.source >= 0) known_points_.push_back(p);
-    contours.push_back(std::move(contour));
-  }
   return contours;
 }
 

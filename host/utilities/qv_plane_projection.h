@@ -50,4 +50,8 @@ class projection {
   std::vector<point> known_points_;
 };
 
+/// The region of `polygon` in its own plane, for who asks what it encloses and not where its
+/// vertices are: its points stand for none.
+region get_own_region(const qv_polygon& polygon);
+
 }  // namespace qv::plane

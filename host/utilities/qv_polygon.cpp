@@ -148,11 +148,11 @@ void qv_polygon::reverse() {
 }
 
 float qv_polygon::get_area() const {
-  return static_cast<float>(plane::area(plane::projection(*this).get_region(*this)));
+  return static_cast<float>(plane::area(plane::get_own_region(*this)));
 }
 
 bool qv_polygon::is_empty() const {
-  return sizes_.is_empty() || plane::projection(*this).get_region(*this).empty();
+  return sizes_.is_empty() || plane::get_own_region(*this).empty();
 }
 
 void qv_polygon::draw_opengl() const {
