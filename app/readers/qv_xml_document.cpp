@@ -51,31 +51,71 @@ bool has_attribute_twice(pugi::xml_attribute first) {
   return false;
 }
 
-class doubter : public pugi::xml_tree_walker {
- public:
-  bool for_each(pugi::xml_node& node) override {
-    if (depth() >= static_cast<int>(qv::largest_xml_depth)) return false;
-    if (depth() == 0) {
-      // Besides the root: a document type, or text outside the root.
-      if (node.type() != pugi::node_element || has_root_) return false;
-      has_root_ = true;
-    }
-    const pugi::xml_attribute first = node.first_attribute();
-    return pointer_of(first) == nullptr || !has_attribute_twice(first);
-  }
-  bool end(pugi::xml_node&) override { return has_root_; }
-
- private:
-  bool has_root_ = false;
+// The elements of a parsed text in its order.
+struct element_list {
+  std::vector<qv::qv_xml_element::record> records;
+  bool is_doubtful = false;
 };
+
+// An element whose children are being listed.
+struct open_element {
+  pugi::xml_node node;
+  std::size_t number;
+};
+
+element_list list_elements(const pugi::xml_document& document, std::size_t tag_count) {
+  constexpr std::size_t none = static_cast<std::size_t>(-1);
+  element_list list;
+  list.records.reserve(tag_count / 2 + 1);  // most have a tag at either end
+  std::vector<open_element> open;
+  std::size_t previous = none;  // the element before this one among its parent's
+  pugi::xml_node node = document.first_child();
+  while (true) {
+    if (pointer_of(node) == nullptr) {
+      if (open.empty()) break;
+      node = open.back().node.next_sibling();
+      previous = open.back().number;
+      open.pop_back();
+      continue;
+    }
+    // Besides the root: a document type, or text outside the root.
+    if (open.empty() && (node.type() != pugi::node_element || previous != none))
+      list.is_doubtful = true;
+    const char* const name = node.name();
+    if (*name == '\0') {  // text between elements
+      node = node.next_sibling();
+      continue;
+    }
+    const std::size_t number = list.records.size();
+    if (previous != none) {
+      list.records[previous].next = static_cast<std::uint32_t>(number - previous);
+    } else if (number > 0) {
+      list.records[number - 1].has_child = 1;
+    }
+    list.records.push_back({name, pointer_of(node)});
+    const pugi::xml_attribute attribute = node.first_attribute();
+    if (pointer_of(attribute) != nullptr && has_attribute_twice(attribute)) list.is_doubtful = true;
+    const pugi::xml_node child = node.first_child();
+    if (pointer_of(child) == nullptr) {
+      previous = number;
+      node = node.next_sibling();
+    } else {
+      open.push_back({node, number});
+      if (open.size() >= qv::largest_xml_depth) list.is_doubtful = true;
+      previous = none;
+      node = child;
+    }
+  }
+  if (list.records.empty()) list.is_doubtful = true;
+  return list;
+}
 
 // Text with a tag in every few bytes is no building model, and its tree would take twenty times its
 // memory: such a text is checked before it is parsed.
-bool is_crowded(std::string_view text) {
+bool is_crowded(std::string_view text, std::size_t tag_count) {
   constexpr std::size_t little = 1 << 20;        // bytes; a tree of that is affordable
   constexpr std::size_t fewest_bytes_a_tag = 8;  // numbers between tags alone take more
-  if (text.size() < little) return false;
-  return qv::qv_count_characters(text, '<') > text.size() / fewest_bytes_a_tag;
+  return text.size() >= little && tag_count > text.size() / fewest_bytes_a_tag;
 }
 
 // --- prefixes ---
@@ -129,31 +169,8 @@ class prefix_remover : public pugi::xml_tree_walker {
 
 namespace qv {
 
-// Children that are no elements have no name.
-qv_xml_element::qv_xml_element(pugi::xml_node_struct* node)
-    : node_(node), name_(wrap(node).name()) {
-  while (node_ != nullptr && *name_ == '\0') {
-    node_ = pointer_of(wrap(node_).next_sibling());
-    name_ = wrap(node_).name();
-  }
-}
-
-qv_xml_element qv_xml_element::get_first_child() const {
-  return qv_xml_element(pointer_of(wrap(node_).first_child()));
-}
-
-qv_xml_element qv_xml_element::get_next() const {
-  return qv_xml_element(pointer_of(wrap(node_).next_sibling()));
-}
-
-qv_xml_element qv_xml_element::get_child(const char* local_name) const {
-  for (const qv_xml_element child : *this)
-    if (child.is(local_name)) return child;
-  return {};
-}
-
 std::string_view qv_xml_element::get_attribute(const char* local_name) const {
-  for (auto attribute = wrap(node_).first_attribute(); pointer_of(attribute) != nullptr;
+  for (auto attribute = wrap(record_->node).first_attribute(); pointer_of(attribute) != nullptr;
        attribute = attribute.next_attribute())
     if (std::strcmp(attribute.name(), local_name) == 0) return trim(attribute.value());
   return {};
@@ -163,7 +180,7 @@ pugi::xml_attribute_struct* qv_xml_element::read_attribute(pugi::xml_attribute_s
                                                            const char*& name,
                                                            std::string_view& value) const {
   const pugi::xml_attribute found = previous == nullptr
-                                        ? wrap(node_).first_attribute()
+                                        ? wrap(record_->node).first_attribute()
                                         : pugi::xml_attribute(previous).next_attribute();
   if (pointer_of(found) == nullptr) return nullptr;
   name = found.name();
@@ -173,8 +190,8 @@ pugi::xml_attribute_struct* qv_xml_element::read_attribute(pugi::xml_attribute_s
 
 std::string_view qv_xml_element::get_text() const {
   // Of most elements the text is in the node itself.
-  const char* const own = wrap(node_).value();
-  return trim(*own != '\0' ? own : wrap(node_).text().get());
+  const char* const own = wrap(record_->node).value();
+  return trim(*own != '\0' ? own : wrap(record_->node).text().get());
 }
 
 std::string_view qv_xml_element::get_child_text(const char* local_name) const {
@@ -182,45 +199,50 @@ std::string_view qv_xml_element::get_child_text(const char* local_name) const {
 }
 
 std::size_t qv_xml_element::get_offset() const {
-  const std::ptrdiff_t offset = wrap(node_).offset_debug();
+  const std::ptrdiff_t offset = wrap(record_->node).offset_debug();
   return offset < 0 ? 0 : static_cast<std::size_t>(offset);
 }
 
 struct qv_xml_document::parsed {
   pugi::xml_document document;
+  std::vector<qv_xml_element::record> elements;
 };
 
 qv_xml_document::qv_xml_document(std::string name, std::string bytes)
     : name_(std::move(name)),
       text_(qv_to_utf8(name_, std::move(bytes), warnings_)),
       parsed_(std::make_unique<parsed>()) {
-  if (is_crowded(text_)) qv_check_xml(name_, text_);
+  const std::size_t tag_count = qv_count_characters(text_, '<');
+  if (is_crowded(text_, tag_count)) qv_check_xml(name_, text_);
   // A text alone in its element is kept in the element itself, which halves the number of nodes.
   // Document types and text outside the root are kept for the check.
   const pugi::xml_parse_result result = parsed_->document.load_buffer(
       text_.data(), text_.size(),
       pugi::parse_default | pugi::parse_embed_pcdata | pugi::parse_doctype | pugi::parse_fragment,
       pugi::encoding_utf8);
-  doubter check;
-  if (!result || !parsed_->document.traverse(check)) qv_check_xml(name_, text_);
   if (!result) {
+    qv_check_xml(name_, text_);
     const auto offset = static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0));
     throw qv_input_error(qv_input_error::kind::bad_input,
                          {name_, qv_line_at(text_, offset), "", ""},
                          std::string("is not well-formed XML: ") + result.description(),
                          "export the model again, or mend the file at this place");
   }
+  element_list list = list_elements(parsed_->document, tag_count);
+  if (list.is_doubtful) qv_check_xml(name_, text_);
   root_name_ = parsed_->document.document_element().name();
   if (has_prefixes(text_)) {
     prefix_remover remover;
     parsed_->document.traverse(remover);
+    list = list_elements(parsed_->document, tag_count);
   }
+  parsed_->elements = std::move(list.records);
 }
 
 qv_xml_document::~qv_xml_document() = default;
 
 qv_xml_element qv_xml_document::get_root() const {
-  return qv_xml_element(parsed_->document.document_element().internal_object());
+  return parsed_->elements.empty() ? qv_xml_element() : qv_xml_element(parsed_->elements[0]);
 }
 
 std::size_t qv_xml_document::get_line(std::size_t offset) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -19,18 +20,33 @@ namespace qv {
 /// has no children, attributes or text.
 class qv_xml_element {
  public:
-  qv_xml_element() = default;
-  explicit qv_xml_element(pugi::xml_node_struct* node);
+  /// What a document keeps of an element. Those of a document follow each other in its order, so
+  /// that the first child stands right behind its parent.
+  struct record {
+    const char* name = "";
+    pugi::xml_node_struct* node = nullptr;
+    std::uint32_t next = 0;  // how many records on the next child of the same parent is; 0 for none
+    std::uint32_t has_child = 0;
+  };
 
-  explicit operator bool() const { return node_ != nullptr; }
+  qv_xml_element() = default;
+  explicit qv_xml_element(const record& element) : record_(&element) {}
+
+  explicit operator bool() const { return record_ != &null_record; }
 
   /// Local name.
-  std::string_view get_name() const { return name_; }
-  bool is(const char* local_name) const { return std::strcmp(name_, local_name) == 0; }
+  std::string_view get_name() const { return record_->name; }
+  bool is(const char* local_name) const {
+    return record_->name[0] == local_name[0] && std::strcmp(record_->name, local_name) == 0;
+  }
 
   /// First child element, and the element that follows this one among its parent's.
-  qv_xml_element get_first_child() const;
-  qv_xml_element get_next() const;
+  qv_xml_element get_first_child() const {
+    return record_->has_child != 0 ? qv_xml_element(record_[1]) : qv_xml_element();
+  }
+  qv_xml_element get_next() const {
+    return record_->next != 0 ? qv_xml_element(record_[record_->next]) : qv_xml_element();
+  }
   /// First child element of that local name.
   qv_xml_element get_child(const char* local_name) const;
 
@@ -59,9 +75,12 @@ class qv_xml_element {
   pugi::xml_attribute_struct* read_attribute(pugi::xml_attribute_struct* previous,
                                              const char*& name, std::string_view& value) const;
 
-  pugi::xml_node_struct* node_ = nullptr;
-  const char* name_ = "";
+  static const record null_record;
+
+  const record* record_ = &null_record;
 };
+
+inline const qv_xml_element::record qv_xml_element::null_record;
 
 class qv_xml_element::iterator {
  public:
@@ -71,7 +90,9 @@ class qv_xml_element::iterator {
     element_ = element_.get_next();
     return *this;
   }
-  bool operator==(const iterator& other) const { return element_.node_ == other.element_.node_; }
+  bool operator==(const iterator& other) const {
+    return element_.record_ == other.element_.record_;
+  }
 
  private:
   qv_xml_element element_;
@@ -83,6 +104,12 @@ inline qv_xml_element::iterator qv_xml_element::begin() const {
 
 inline qv_xml_element::iterator qv_xml_element::end() const {
   return iterator({});
+}
+
+inline qv_xml_element qv_xml_element::get_child(const char* local_name) const {
+  for (const qv_xml_element child : *this)
+    if (child.is(local_name)) return child;
+  return {};
 }
 
 template <class Visitor>
