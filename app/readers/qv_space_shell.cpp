@@ -20,179 +20,246 @@ constexpr std::size_t largest_splitting_effort = 50'000'000;
 // Of the sum of areas; an open patch whose vector areas add up to less encloses most of a volume.
 constexpr double largest_opening = 0.5;
 
+// An edge of a face along a line between two corners.
 struct edge {
-  int low = 0;
-  int high = 0;
   int face = 0;
-  int direction = 0;  // +1 when the face, as its side says, runs from low to high
+  int direction = 0;  // +1 when the face, as its side says, runs from the lower corner's number up
 };
 
-bool same_line(const edge& a, const edge& b) {
-  return a.low == b.low && a.high == b.high;
-}
-
-void add_edge(std::vector<edge>& edges, int from, int to, int face, int side) {
-  if (from == to) return;
-  edges.push_back({std::min(from, to), std::max(from, to), face, from < to ? side : -side});
-}
-
-std::vector<edge> collect_edges(std::span<const qv_shell_face> faces) {
-  std::size_t count = 0;
-  for (const qv_shell_face& face : faces)
-    for (const std::vector<int>& contour : face.polygon->contours) count += contour.size();
-  std::vector<edge> edges;
-  edges.reserve(count);
-  for (std::size_t f = 0; f < faces.size(); ++f)
-    for (const std::vector<int>& contour : faces[f].polygon->contours)
-      for (std::size_t i = 0, before = contour.size() - 1; i < contour.size(); before = i++)
-        add_edge(edges, contour[before], contour[i], static_cast<int>(f), faces[f].side);
-  return edges;
-}
-
-void sort_edges(std::vector<edge>& edges) {
-  const auto line = [](const edge& e) {
-    return static_cast<std::uint64_t>(e.low) << 32U | static_cast<std::uint64_t>(e.high);
-  };
-  std::sort(edges.begin(), edges.end(), [&line](const edge& a, const edge& b) {
-    const std::uint64_t line_a = line(a);
-    const std::uint64_t line_b = line(b);
-    if (line_a != line_b) return line_a < line_b;
-    return a.face != b.face ? a.face < b.face : a.direction < b.direction;
-  });
-}
-
-// Calls `visit` with each run of edges along the same line; the edges are sorted.
-template <class Visitor>
-void for_each_line(std::vector<edge>& edges, Visitor visit) {
-  for (std::size_t first = 0; first < edges.size();) {
-    std::size_t last = first + 1;
-    while (last < edges.size() && same_line(edges[first], edges[last])) ++last;
-    visit(std::span<edge>(edges).subspan(first, last - first));
-    first = last;
-  }
-}
-
-// Takes out the seams along which a single face runs to and fro.
-void remove_seams(std::vector<edge>& edges) {
-  std::size_t kept = 0;
-  for (const edge next : edges) {
-    if (kept > 0 && same_line(edges[kept - 1], next) && edges[kept - 1].face == next.face &&
-        edges[kept - 1].direction == -next.direction) {
-      --kept;
-    } else {
-      edges[kept++] = next;
-    }
-  }
-  edges.resize(kept);
-}
-
-// The corners of a shell in the order of one coordinate.
-class sorted_corners {
+// Numbers keys in the order in which they first come.
+class key_numbers {
  public:
-  sorted_corners(const std::vector<int>& corners, const std::vector<qv_double3>& points,
-                 double qv_double3::*axis)
-      : axis_(axis) {
-    corners_.reserve(corners.size());
-    for (const int corner : corners)
-      corners_.push_back({points[static_cast<std::size_t>(corner)], corner});
-    std::sort(corners_.begin(), corners_.end(),
-              [axis](const corner_point& a, const corner_point& b) {
-                return a.point.*axis < b.point.*axis;
-              });
+  explicit key_numbers(std::size_t expected) {
+    std::size_t size = 16;
+    while (size < 2 * expected) size *= 2;
+    table_.assign(size, -1);
+    keys_.reserve(expected);
   }
 
-  double get_width(const qv_double3& a, const qv_double3& b) const {
-    return std::abs(a.*axis_ - b.*axis_);
+  std::size_t get_number(std::uint64_t key) {
+    if (2 * keys_.size() >= table_.size()) grow();
+    int& place = find_place(key);
+    if (place < 0) {
+      place = static_cast<int>(keys_.size());
+      keys_.push_back(key);
+    }
+    return static_cast<std::size_t>(place);
   }
 
-  // Adds to `found` the corners on the inside of the segment, each with its place along it.
-  void find_on(const qv_double3& start, const qv_double3& end,
-               std::vector<std::pair<double, int>>& found) const {
-    constexpr double reach = qv::qv_vertex_welder::distance;
-    const double low = std::min(start.*axis_, end.*axis_) - reach;
-    const double high = std::max(start.*axis_, end.*axis_) + reach;
-    const qv_double3 along = end - start;
-    const double square = along.dot(along);
-    auto next = std::lower_bound(
-        corners_.begin(), corners_.end(), low,
-        [this](const corner_point& c, double value) { return c.point.*axis_ < value; });
-    for (; next != corners_.end() && next->point.*axis_ <= high; ++next) {
-      const qv_double3 to = next->point - start;
-      const double t = to.dot(along);
-      if (t <= 0 || t >= square) continue;
-      const qv_double3 aside = to.cross(along);
-      if (aside.dot(aside) <= reach * reach * square) found.emplace_back(t, next->number);
+  const std::vector<std::uint64_t>& get_keys() const { return keys_; }
+
+ private:
+  // Where the number of `key` stands, or has room to stand.
+  int& find_place(std::uint64_t key) {
+    const std::size_t mask = table_.size() - 1;
+    const std::uint64_t spread = key * 0x9E3779B97F4A7C15U;
+    std::size_t place = static_cast<std::size_t>(spread >> 32U) & mask;
+    while (table_[place] >= 0 && keys_[static_cast<std::size_t>(table_[place])] != key)
+      place = (place + 1) & mask;
+    return table_[place];
+  }
+
+  void grow() {
+    table_.assign(2 * table_.size(), -1);
+    for (std::size_t i = 0; i < keys_.size(); ++i) find_place(keys_[i]) = static_cast<int>(i);
+  }
+
+  std::vector<std::uint64_t> keys_;
+  std::vector<int> table_;  // a power of two, at least half of it free (−1)
+};
+
+// The edges of a shell's faces, those along the same line together. Seams along which a single face
+// runs to and fro are no edges.
+class edge_lines {
+ public:
+  explicit edge_lines(std::size_t expected) : lines_(expected) {
+    first_.reserve(expected);
+    entries_.reserve(expected);
+  }
+
+  void add(int from, int to, const edge& added) {
+    if (from == to) return;
+    const auto [low, high] = std::minmax(from, to);
+    const std::size_t line = lines_.get_number(static_cast<std::uint64_t>(low) << 32U |
+                                               static_cast<std::uint64_t>(high));
+    if (line == first_.size()) first_.push_back(-1);
+    add_to(line, {added.face, from < to ? added.direction : -added.direction});
+  }
+
+  std::size_t get_count() const { return first_.size(); }
+  int get_low(std::size_t line) const { return static_cast<int>(lines_.get_keys()[line] >> 32U); }
+  int get_high(std::size_t line) const {
+    return static_cast<int>(lines_.get_keys()[line] & 0xFFFFFFFFU);
+  }
+  bool is_single(std::size_t line) const { return first_[line] >= 0 && at(first_[line]).next < 0; }
+  // Takes the only edge of a line off it.
+  edge take_single(std::size_t line) { return at(std::exchange(first_[line], -1)).own; }
+
+  // Calls `visit` with the edges along each line that has any.
+  template <class Visitor>
+  void for_each_line(Visitor visit) const {
+    std::vector<edge> edges;
+    for (const int first : first_) {
+      edges.clear();
+      for (int i = first; i >= 0; i = at(i).next) edges.push_back(at(i).own);
+      if (!edges.empty()) visit(std::span<const edge>(edges));
     }
   }
 
  private:
+  struct entry {
+    edge own;
+    int next = -1;
+  };
+
+  entry& at(int i) { return entries_[static_cast<std::size_t>(i)]; }
+  const entry& at(int i) const { return entries_[static_cast<std::size_t>(i)]; }
+
+  void add_to(std::size_t line, const edge& added) {
+    int* link = &first_[line];
+    for (; *link >= 0; link = &at(*link).next) {
+      const edge& other = at(*link).own;
+      if (other.face != added.face || other.direction == added.direction) continue;
+      *link = at(*link).next;
+      return;
+    }
+    const int number = static_cast<int>(entries_.size());
+    *link = number;
+    entries_.push_back({added});
+  }
+
+  key_numbers lines_;
+  std::vector<int> first_;  // of each line, −1 when it has no edge left
+  std::vector<entry> entries_;
+};
+
+edge_lines collect_edges(std::span<const qv_shell_face> faces) {
+  std::size_t count = 0;
+  for (const qv_shell_face& face : faces)
+    for (const std::vector<int>& contour : face.polygon->contours) count += contour.size();
+  edge_lines lines(count);
+  for (std::size_t f = 0; f < faces.size(); ++f)
+    for (const std::vector<int>& contour : faces[f].polygon->contours)
+      for (std::size_t i = 0, before = contour.size() - 1; i < contour.size(); before = i++)
+        lines.add(contour[before], contour[i], {static_cast<int>(f), faces[f].side});
+  return lines;
+}
+
+// The corners of a shell, so that those on a segment are found.
+class shell_corners {
+ public:
+  shell_corners(const edge_lines& lines, const std::vector<qv_double3>& points) {
+    key_numbers numbers(2 * lines.get_count());
+    for (std::size_t line = 0; line < lines.get_count(); ++line) {
+      numbers.get_number(static_cast<std::uint64_t>(lines.get_low(line)));
+      numbers.get_number(static_cast<std::uint64_t>(lines.get_high(line)));
+    }
+    by_x_.reserve(numbers.get_keys().size());
+    for (const std::uint64_t number : numbers.get_keys())
+      by_x_.push_back({points[static_cast<std::size_t>(number)], static_cast<int>(number)});
+    if (by_x_.size() <= few) return;
+    by_y_ = by_x_;
+    sort(by_x_, &qv_double3::x);
+    sort(by_y_, &qv_double3::y);
+  }
+
+  std::size_t get_count() const { return by_x_.size(); }
+
+  // Adds to `found` the corners on the inside of the segment, each with its place along it.
+  void find_on(const qv_double3& start, const qv_double3& end,
+               std::vector<std::pair<double, int>>& found) const {
+    if (by_x_.size() <= few) {
+      find_among(by_x_, start, end, found);
+    } else if (std::abs(start.x - end.x) < std::abs(start.y - end.y)) {
+      find_among(get_band(by_x_, &qv_double3::x, start, end), start, end, found);
+    } else {
+      find_among(get_band(by_y_, &qv_double3::y, start, end), start, end, found);
+    }
+  }
+
+ private:
+  static constexpr double reach = qv::qv_vertex_welder::distance;
+  // So few are looked at one by one. Of more, walls stand upright and most run along an axis: one
+  // of the two orders leaves few candidates.
+  static constexpr std::size_t few = 48;
+
   struct corner_point {
     qv_double3 point;
     int number;
   };
 
-  double qv_double3::*axis_;
-  std::vector<corner_point> corners_;
+  static void sort(std::vector<corner_point>& corners, double qv_double3::*axis) {
+    std::sort(corners.begin(), corners.end(), [axis](const corner_point& a, const corner_point& b) {
+      return a.point.*axis < b.point.*axis;
+    });
+  }
+
+  static std::span<const corner_point> get_band(const std::vector<corner_point>& corners,
+                                                double qv_double3::*axis, const qv_double3& start,
+                                                const qv_double3& end) {
+    const double low = std::min(start.*axis, end.*axis) - reach;
+    const double high = std::max(start.*axis, end.*axis) + reach;
+    const auto first =
+        std::partition_point(corners.begin(), corners.end(),
+                             [axis, low](const corner_point& c) { return c.point.*axis < low; });
+    const auto last =
+        std::partition_point(first, corners.end(),
+                             [axis, high](const corner_point& c) { return c.point.*axis <= high; });
+    return {first, last};
+  }
+
+  static void find_among(std::span<const corner_point> corners, const qv_double3& start,
+                         const qv_double3& end, std::vector<std::pair<double, int>>& found) {
+    const qv_double3 along = end - start;
+    const double square = along.dot(along);
+    for (const corner_point& corner : corners) {
+      const qv_double3 to = corner.point - start;
+      const double t = to.dot(along);
+      if (t <= 0 || t >= square) continue;
+      const qv_double3 aside = to.cross(along);
+      if (aside.dot(aside) <= reach * reach * square) found.emplace_back(t, corner.number);
+    }
+  }
+
+  std::vector<corner_point> by_x_;  // in any order when they are few
+  std::vector<corner_point> by_y_;
 };
 
-std::vector<int> list_corners(const std::vector<edge>& edges) {
-  std::vector<int> corners;
-  corners.reserve(2 * edges.size());
-  for (const edge& e : edges) {
-    corners.push_back(e.low);
-    corners.push_back(e.high);
-  }
-  std::sort(corners.begin(), corners.end());
-  corners.erase(std::unique(corners.begin(), corners.end()), corners.end());
-  return corners;
-}
-
 // Splits edges that a single face has at the corners of other faces that lie on them.
-void split_open_edges(std::vector<edge>& edges, const std::vector<qv_double3>& points) {
-  std::size_t open_count = 0;
-  for_each_line(edges, [&](std::span<edge> line) { open_count += line.size() == 1 ? 1 : 0; });
-  if (open_count == 0) return;
-  std::vector<edge> matched;
-  std::vector<edge> open;
-  matched.reserve(edges.size() + open_count);
-  open.reserve(open_count);
-  for_each_line(edges, [&](std::span<edge> line) {
-    auto& target = line.size() == 1 ? open : matched;
-    target.insert(target.end(), line.begin(), line.end());
-  });
-  const std::vector<int> corners = list_corners(edges);
-  if (open.size() > largest_splitting_effort / corners.size()) return;
-  // Walls stand upright and most run along an axis: one of the two orders leaves few candidates.
-  const sorted_corners by_x(corners, points, &qv_double3::x);
-  const sorted_corners by_y(corners, points, &qv_double3::y);
+void split_open_edges(edge_lines& lines, const std::vector<qv_double3>& points) {
+  std::vector<std::size_t> open;
+  for (std::size_t line = 0; line < lines.get_count(); ++line)
+    if (lines.is_single(line)) open.push_back(line);
+  if (open.empty()) return;
+  const shell_corners corners(lines, points);
+  if (open.size() > largest_splitting_effort / corners.get_count()) return;
+  // All are taken off before pieces are added, which may lie along them.
+  std::vector<edge> whole;
+  whole.reserve(open.size());
+  for (const std::size_t line : open) whole.push_back(lines.take_single(line));
   std::vector<std::pair<double, int>> found;
-  for (const edge& whole : open) {
-    const qv_double3& start = points[static_cast<std::size_t>(whole.low)];
-    const qv_double3& end = points[static_cast<std::size_t>(whole.high)];
+  for (std::size_t i = 0; i < open.size(); ++i) {
+    const int low = lines.get_low(open[i]);
+    const int high = lines.get_high(open[i]);
     found.clear();
-    (by_x.get_width(start, end) < by_y.get_width(start, end) ? by_x : by_y)
-        .find_on(start, end, found);
+    corners.find_on(points[static_cast<std::size_t>(low)], points[static_cast<std::size_t>(high)],
+                    found);
     std::sort(found.begin(), found.end());
-    int from = whole.low;
+    int from = low;
     for (const auto& [t, corner] : found) {
-      if (corner == whole.low || corner == whole.high) continue;
-      add_edge(matched, from, corner, whole.face, whole.direction);
+      if (corner == low || corner == high) continue;
+      lines.add(from, corner, whole[i]);
       from = corner;
     }
-    add_edge(matched, from, whole.high, whole.face, whole.direction);
+    lines.add(from, high, whole[i]);
   }
-  edges = std::move(matched);
-  sort_edges(edges);
-  remove_seams(edges);
 }
 
-std::vector<edge> prepare_edges(std::span<const qv_shell_face> faces,
-                                const std::vector<qv_double3>& points) {
-  std::vector<edge> edges = collect_edges(faces);
-  sort_edges(edges);
-  remove_seams(edges);
-  split_open_edges(edges, points);
-  return edges;
+edge_lines prepare_edges(std::span<const qv_shell_face> faces,
+                         const std::vector<qv_double3>& points) {
+  edge_lines lines = collect_edges(faces);
+  split_open_edges(lines, points);
+  return lines;
 }
 
 // Faces linked by edges, each with whether it must be turned to agree with the component's root.
@@ -303,9 +370,8 @@ double qv_shell_volume(std::span<const qv_shell_face> faces) {
 bool qv_is_shell_closed(std::span<const qv_shell_face> faces,
                         const std::vector<qv_double3>& points) {
   if (faces.empty()) return false;
-  std::vector<edge> edges = prepare_edges(faces, points);
   bool closed = true;
-  for_each_line(edges, [&closed](std::span<edge> line) {
+  prepare_edges(faces, points).for_each_line([&closed](std::span<const edge> line) {
     int sum = 0;
     for (const edge& e : line) sum += e.direction;
     if (sum != 0) closed = false;
@@ -318,10 +384,10 @@ qv_shell_verdict qv_orient_shell(std::span<const qv_shell_face> faces,
   qv_shell_verdict verdict;
   verdict.faces.resize(faces.size());
   if (faces.empty()) return verdict;
-  std::vector<edge> edges = prepare_edges(faces, points);
+  const edge_lines lines = prepare_edges(faces, points);
 
   components links(faces.size());
-  for_each_line(edges, [&links](std::span<edge> line) {
+  lines.for_each_line([&links](std::span<const edge> line) {
     if (line.size() == 2 && line[0].face != line[1].face)
       links.link(static_cast<std::size_t>(line[0].face), static_cast<std::size_t>(line[1].face),
                  line[0].direction == line[1].direction ? 1 : 0);
@@ -342,7 +408,7 @@ qv_shell_verdict qv_orient_shell(std::span<const qv_shell_face> faces,
   }
   set_outwards(faces, root, sums);
   // An edge is open when the faces along it, agreeing within their components, do not cancel out.
-  for_each_line(edges, [&](std::span<edge> line) {
+  lines.for_each_line([&](std::span<const edge> line) {
     int total = 0;
     for (const edge& e : line) {
       const auto f = static_cast<std::size_t>(e.face);
