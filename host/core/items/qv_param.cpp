@@ -8,42 +8,6 @@
 
 namespace qv {
 
-static_assert(sizeof(qv_param) == 24);
-
-qv_param::qv_param(unsigned int declaration, param_type type, bool in_store, unsigned int slot,
-                   unsigned int date)
-    : date_(date),
-      declaration_(declaration),
-      in_store_(in_store ? 1 : 0),
-      slot_(slot),
-      type_(type),
-      kind_(type) {
-  switch (get_kind()) {
-    case type_float:
-      storage_.number = 0;
-      break;
-    case type_int:
-    case type_enum:
-      storage_.integer = 0;
-      break;
-    case type_bool:
-      storage_.flag = false;
-      break;
-    case type_3dvector:
-      storage_.vector = qv_3dvector();
-      break;
-    case type_color:
-      storage_.color = qv_color();
-      break;
-    case type_item:
-      storage_.item = {nullptr, 0};
-      break;
-    default:
-      storage_.heap = nullptr;
-      break;
-  }
-}
-
 qv_param::~qv_param() {
   switch (get_kind()) {
     case type_matrix:

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <cstring>
 #include <new>
 #include <unordered_map>
 #include <utility>
@@ -84,6 +85,21 @@ int qv_param_layout::find(const std::string& name) const {
 }
 
 // --- store ---
+
+static_assert(sizeof(qv_param) == 24);
+
+// Beside the store, which makes every parameter: zero, null and the empty value are all zero bits.
+qv_param::qv_param(unsigned int declaration, param_type type, bool in_store, unsigned int slot,
+                   unsigned int date)
+    : date_(date),
+      declaration_(declaration),
+      in_store_(in_store ? 1 : 0),
+      slot_(slot),
+      type_(type),
+      kind_(type) {
+  std::memset(static_cast<void*>(&storage_), 0, sizeof storage_);
+  if (type == type_color) storage_.color = qv_color();
+}
 
 namespace {
 

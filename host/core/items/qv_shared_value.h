@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <functional>
 #include <string>
 
 #include "utilities/qv_list.h"
@@ -58,8 +57,11 @@ void store_heap_value(void*& heap, const T& value) {
   heap = stored;
 }
 
+// Names differ in their length or at their ends.
 inline std::size_t hash_of(const std::string& value) {
-  return std::hash<std::string>()(value);
+  if (value.empty()) return 0;
+  const auto byte = [](char c) { return static_cast<std::size_t>(static_cast<unsigned char>(c)); };
+  return value.size() | byte(value.front()) << 32U | byte(value.back()) << 40U;
 }
 inline std::size_t hash_of(unsigned int value) {
   return value;
