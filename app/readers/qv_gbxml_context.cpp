@@ -12,34 +12,39 @@ namespace {
 // Spellings of units that are remembered; more is no building model.
 constexpr std::size_t most_known_units = 32;
 
+// Adds the digits that begin at `at` to those in `digits`; returns where they end.
+const char* read_digits(const char* at, const char* end, std::int64_t& digits) {
+  for (; at != end; ++at) {
+    const auto digit = static_cast<unsigned>(*at - '0');
+    if (digit > 9) break;
+    digits = digits * 10 + static_cast<std::int64_t>(digit);
+  }
+  return at;
+}
+
 // Reads a number of at most 15 digits without exponent, which is what models are made of. Its
 // digits and the power of ten are exact in double precision, so that their quotient is the number
 // nearest to the text, as `from_chars` gives it. False for anything else.
 bool read_plain_number(std::string_view text, double& value) {
-  constexpr int most_digits = 15;
+  constexpr std::size_t most_digits = 15;
   constexpr std::array<double, most_digits + 1> power = {
       1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  const bool negative = at != end && *at == '-';
-  if (negative) ++at;
+  if (text.size() > most_digits + 2) return false;
+  const char* const end = text.data() + text.size();
+  const bool negative = text.starts_with('-');
+  const char* const first = text.data() + (negative ? 1 : 0);
   std::int64_t digits = 0;
-  int count = 0;
-  int behind_point = 0;
-  bool point = false;
-  for (; at != end; ++at) {
-    const auto digit = static_cast<unsigned>(*at - '0');
-    if (digit > 9) {
-      if (*at != '.' || point) return false;
-      point = true;
-      continue;
-    }
-    if (++count > most_digits) return false;
-    digits = digits * 10 + static_cast<std::int64_t>(digit);
-    if (point) ++behind_point;
+  const char* at = read_digits(first, end, digits);
+  auto count = static_cast<std::size_t>(at - first);
+  std::size_t behind_point = 0;
+  if (at != end && *at == '.') {
+    const char* const point = at;
+    at = read_digits(point + 1, end, digits);
+    behind_point = static_cast<std::size_t>(at - point) - 1;
+    count += behind_point;
   }
-  if (count == 0) return false;
-  const double size = static_cast<double>(digits) / power[static_cast<std::size_t>(behind_point)];
+  if (at != end || count == 0 || count > most_digits) return false;
+  const double size = static_cast<double>(digits) / power[behind_point];
   value = negative ? -size : size;
   return true;
 }

@@ -15,6 +15,14 @@ void show_instead(qv::qvi_polygon& face, qv::qvi_polygon& pierced) {
   face.set_rendering_visibility(false);
 }
 
+// Light passes where nothing is.
+qv::qv_list<std::string> without_shadow(const qv::qv_list<std::string>& layers) {
+  qv::qv_list<std::string> rest;
+  for (const std::string& layer : layers)
+    if (layer != "simulation") rest.append(layer);
+  return rest;
+}
+
 float or_none(const std::optional<double>& value) {
   return value ? static_cast<float>(*value) : -1.0f;
 }
@@ -68,11 +76,8 @@ void qv_gbxml_openings::make_opening(const opening& o, std::size_t rank, qv_uniq
   auto* outline = new qvi_polygon;
   outline->load_from_polygon(&place.region);
   outline->set_normal(wall->get_normal());
-  qv_list<std::string> layers;
-  for (const std::string& layer : wall->get_face_0()->get_raytracing_layers())
-    // Light passes where nothing is.
-    if (!o.filling.air || layer != "simulation") layers.append(layer);
-  outline->set_raytracing_layers(layers);
+  const qv_list<std::string>& layers = wall->get_face_0()->get_raytracing_layers();
+  outline->set_raytracing_layers(o.filling.air ? without_shadow(layers) : layers);
   outline->set_rendering_layers(wall->get_face_0()->get_rendering_layers());
   outline->set_front_shader(filling.shader);
   outline->set_back_shader(filling.shader);

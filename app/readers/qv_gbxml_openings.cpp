@@ -45,6 +45,7 @@ qv_polygon to_polygon(const qv_plane_part& part, const qv_double3& normal, const
   qv_polygon polygon(to_single(onto(part.contours[0][0])), to_single(normal));
   for (const qv_loop& contour : part.contours) {
     qv::qv_list<qv::qv_3dvector> corners;
+    corners.reserve(static_cast<int>(contour.size()));
     for (const qv_double3& p : contour) corners.append(to_single(onto(p)));
     polygon.add_contour(corners);
   }
@@ -270,7 +271,7 @@ void qv_gbxml_openings::cut_surface(const std::vector<std::size_t>& numbers) {
     std::vector<qv_polygon> projected;
     const std::vector<std::size_t> near = find_near(numbers, face, projected);
     if (near.empty()) continue;
-    qv_cut_face cut = qv_cut_openings(to_polygon(face), projected);
+    qv_cut_face cut = qv_cut_openings(to_polygon(face), std::move(projected));
     bool pierced = false;
     for (std::size_t i = 0; i < near.size(); ++i) {
       qv_cut_opening& found = cut.openings[i];
@@ -282,7 +283,8 @@ void qv_gbxml_openings::cut_surface(const std::vector<std::size_t>& numbers) {
         lost.covered_by.push_back(numbers[near[static_cast<std::size_t>(other)]]);
       if (found.region.get_contour_count() == 0) continue;
       pierced = true;
-      openings_[numbers[near[i]]].pieces.push_back({static_cast<int>(k), std::move(found.region)});
+      openings_[numbers[near[i]]].pieces.push_back(
+          {static_cast<int>(k), std::move(found.region), found.left});
     }
     if (pierced) faces_.push_back({surface_number, static_cast<int>(k), std::move(cut.rest)});
   }
@@ -324,7 +326,7 @@ void qv_gbxml_openings::settle(opening& o, const loss& lost) {
     return words;
   }();
   double left = 0;
-  for (const piece& p : o.pieces) left += p.region.get_area();
+  for (const piece& p : o.pieces) left += p.area;
   // A strip of a millimetre along its border is what rounding leaves.
   const double rounding = limits::noted_deviation * perimeter(o.parts);
   if (o.pieces.empty()) {

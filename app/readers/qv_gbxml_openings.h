@@ -42,6 +42,7 @@ class qv_gbxml_openings {
   struct piece {
     int part = 0;  // of the surface
     qv_polygon region;
+    double area = 0;  // m²
   };
   struct opening {
     std::string id;

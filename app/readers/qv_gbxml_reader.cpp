@@ -75,7 +75,7 @@ void build_model(qv::qv_gbxml_context& context) {
   model.root = new qv::qvi_bim_root;
   model.root->set_name(context.get_document().get_name());
   model.root->set_original_walls_spaces(true);
-  qv::qv_unique_ids ids;
+  qv::qv_unique_ids ids(model.ledger.get_entries().size());
   constructions.make_items(model.root, ids);
   site.make_items(model.root, ids);
   make_usages(context, site, schedules, model.root, ids);

@@ -28,6 +28,8 @@ constexpr double btu_per_hour = 1055.05585262 / 3600;                    // W
 const factors power_units = {{"wattpersquaremeter", 1.0},
                              {"wattpersquarefoot", 1.0 / square_foot},
                              {"btuperhoursquareft", btu_per_hour / square_foot}};
+const factors person_units = {
+    {"numberofpeople", 1.0}, {"squaremperperson", 1.0}, {"squareftperperson", square_foot}};
 const factors heat_units = {{"wattperperson", 1.0}, {"btuperhourperson", btu_per_hour}};
 const factors flow_units = {{"lpersec", 3.6},
                             {"cubicmperhr", 1.0},
@@ -84,9 +86,7 @@ double qv_gbxml_usages::read_scaled(qv_xml_element element, const char* what,
 
 qv_gbxml_usages::measured qv_gbxml_usages::read_persons(qv_xml_element element) {
   const std::string unit = lower(element.get_attribute("unit"));
-  const double value = read_scaled(
-      element, "number of people",
-      {{"numberofpeople", 1.0}, {"squaremperperson", 1.0}, {"squareftperperson", square_foot}});
+  const double value = read_scaled(element, "number of people", person_units);
   if (unit != "squaremperperson" && unit != "squareftperperson") return {value, false};
   return {value > 0 ? 1 / value : 0, true};
 }

@@ -4,6 +4,7 @@
 #include <limits>
 #include <numeric>
 #include <optional>
+#include <utility>
 
 #include "core/shapes/qv_double3.h"
 
@@ -110,33 +111,40 @@ class convex_face {
   std::vector<edge> edges_;
 };
 
+qv::qv_list<qv::qv_3dvector> get_turned(const qv::qv_list<qv::qv_3dvector>& corners) {
+  qv::qv_list<qv::qv_3dvector> turned;
+  turned.reserve(corners.get_count());
+  for (int i = corners.get_count() - 1; i >= 0; --i) turned.append(corners[i]);
+  return turned;
+}
+
 // Contours of either direction become counter-clockwise outside and clockwise inside.
 void orient(qv_polygon& region) {
   if (region.get_contour_count() != 1) {
     region.unites(qv_polygon(region.get_point(), region.get_normal()));
     return;
   }
-  const auto corners = region.get_contour(0);
+  const auto& corners = region.get_contour_vertices();
   qv_double3 sum;
   const qv_double3 first = to_double(corners[0]);
   for (int i = 2; i < corners.get_count(); ++i)
     sum = sum + (to_double(corners[i - 1]) - first).cross(to_double(corners[i]) - first);
   if (sum.dot(to_double(region.get_normal())) >= 0) return;
-  qv::qv_list<qv::qv_3dvector> turned;
-  for (int i = corners.get_count() - 1; i >= 0; --i) turned.append(corners[i]);
+  const auto turned = get_turned(corners);
   region.clear();
   region.add_contour(turned);
 }
 
 class cutter {
  public:
-  cutter(const qv_polygon& face, const std::vector<qv_polygon>& openings)
+  cutter(const qv_polygon& face, std::vector<qv_polygon> openings)
       : face_(face), axes_(face), convex_(convex_face::make(face)) {
     result_.openings.resize(openings.size());
     for (std::size_t i = 0; i < openings.size(); ++i) {
       qv::qv_cut_opening& opening = result_.openings[i];
-      opening.region = openings[i];
+      opening.region = std::move(openings[i]);
       opening.asked = opening.region.get_area();
+      opening.left = opening.asked;
       clip(opening);
     }
   }
@@ -159,15 +167,17 @@ class cutter {
         convex_->get_depth(opening.region) >= -touching)
       return;
     opening.region.intersects(face_);
-    opening.outside = std::max(0.0, opening.asked - opening.region.get_area());
+    opening.left = opening.region.get_area();
+    opening.outside = std::max(0.0, opening.asked - opening.left);
   }
 
   void part_overlaps() {
     auto& openings = result_.openings;
+    if (openings.size() < 2) return;
     std::vector<double> areas;
     std::vector<flat_box> boxes;
     for (const qv::qv_cut_opening& opening : openings) {
-      areas.push_back(opening.region.get_area());
+      areas.push_back(opening.left);
       boxes.push_back(axes_.get_box(opening.region));
     }
     std::vector<std::size_t> order(openings.size());
@@ -181,9 +191,11 @@ class cutter {
         if (!is_left(smaller) || !boxes[order[k]].reaches_into(boxes[order[m]], touching)) continue;
         qv_polygon rest = larger.region;
         rest.substracts(smaller.region);
-        const double lost = larger.region.get_area() - static_cast<double>(rest.get_area());
+        const double left = rest.get_area();
+        const double lost = larger.left - left;
         if (lost <= 0) continue;
-        larger.region = rest;
+        larger.region = std::move(rest);
+        larger.left = left;
         larger.covered += lost;
         larger.covered_by.push_back(static_cast<int>(order[m]));
       }
@@ -202,13 +214,9 @@ class cutter {
         if (box.reaches_into(other, -clear)) return false;
       boxes.push_back(box);
     }
-    for (const qv::qv_cut_opening& opening : result_.openings) {
-      if (!is_left(opening)) continue;
-      const auto corners = opening.region.get_contour(0);
-      qv::qv_list<qv::qv_3dvector> hole;
-      for (int i = corners.get_count() - 1; i >= 0; --i) hole.append(corners[i]);
-      result_.rest.add_contour(hole);
-    }
+    for (const qv::qv_cut_opening& opening : result_.openings)
+      if (is_left(opening))
+        result_.rest.add_contour(get_turned(opening.region.get_contour_vertices()));
     return true;
   }
 
@@ -230,8 +238,8 @@ class cutter {
 
 namespace qv {
 
-qv_cut_face qv_cut_openings(const qv_polygon& face, const std::vector<qv_polygon>& openings) {
-  return cutter(face, openings).run();
+qv_cut_face qv_cut_openings(const qv_polygon& face, std::vector<qv_polygon> openings) {
+  return cutter(face, std::move(openings)).run();
 }
 
 bool qv_is_same_opening(const qv_polygon& a, const qv_polygon& b) {

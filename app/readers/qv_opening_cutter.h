@@ -10,9 +10,10 @@ namespace qv {
 struct qv_cut_opening {
   /// Counter-clockwise about the face's normal; empty when nothing is left.
   qv_polygon region;
-  /// Area as asked for, that of it outside of the face, and that of it which other openings hold,
-  /// m². What is left is asked − outside − covered, to rounding.
+  /// Area as asked for, that of the region, that of it outside of the face, and that of it which
+  /// other openings hold, m². What is left is asked − outside − covered, to rounding.
   double asked = 0;
+  double left = 0;
   double outside = 0;
   double covered = 0;
   /// Numbers of these other openings.
@@ -36,7 +37,7 @@ struct qv_cut_face {
 /// The rest of the face and the openings left share their corners: their areas add up to the
 /// face's. Time linear in the number of openings apart from a comparison of boxes for each pair;
 /// panes that lie clear of each other in a convex face need no overlay at all.
-qv_cut_face qv_cut_openings(const qv_polygon& face, const std::vector<qv_polygon>& openings);
+qv_cut_face qv_cut_openings(const qv_polygon& face, std::vector<qv_polygon> openings);
 
 /// True when either region holds at least nine tenths of the other: the same opening said twice,
 /// give or take its reveal. Both lie in one plane, roughly.
