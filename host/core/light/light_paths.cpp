@@ -80,7 +80,7 @@ QV_WIDE void get_cosine_directions(const eight_vectors& normals, const float* u,
 
 /// Of a packet of rays towards nodes of the sun keeps those that lie before a surface, and lets
 /// these count by their cosines.
-void leave_out_suns_behind(const qv_3dvector& normal, qv_ray_packet& packet, int* nodes,
+void leave_out_suns_behind(const qv_3dvector& normal, qv_ray_packet& packet, std::uint16_t* nodes,
                            float* weights) {
   int kept = 0;
   for (int i = 0; i < packet.count; ++i) {
@@ -343,7 +343,7 @@ void light_paths::gather_sun(const vertex& at, std::size_t set, float jitter) {
   std::fill_n(packet.origin_x, packet_size, at.point.x);
   std::fill_n(packet.origin_y, packet_size, at.point.y);
   std::fill_n(packet.origin_z, packet_size, at.point.z);
-  int nodes[packet_size];
+  std::uint16_t nodes[packet_size];
   float weights[packet_size];
   constexpr int lots_each = sun_facing::lot_count / packet_size;
   const std::uint16_t* lot = seen.lots.data() + static_cast<int>(jitter * lots_each);

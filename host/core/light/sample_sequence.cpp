@@ -77,11 +77,9 @@ constexpr std::uint32_t scramble_reversed(std::uint32_t x, std::uint32_t seed) {
   return reverse_bits(x);
 }
 
-using eight_bits = std::uint32_t[sequence_points::size];
-
 inline void find_points(const std::uint32_t* indices, const scrambling& by,
                         sequence_points& points) {
-  alignas(32) eight_bits bits[dimension_count];
+  alignas(32) std::uint32_t bits[sequence_points::size][dimension_count];
   for (int i = 0; i < sequence_points::size; ++i) {
     const std::uint32_t index = indices[i];
     const auto& lowest = bytes.bits[0][index & 255u];
@@ -89,11 +87,11 @@ inline void find_points(const std::uint32_t* indices, const scrambling& by,
     const auto& high = bytes.bits[2][(index >> 16) & 255u];
     const auto& highest = bytes.bits[3][index >> 24];
     for (int d = 0; d < dimension_count; ++d)
-      bits[d][i] = lowest[d] ^ low[d] ^ high[d] ^ highest[d];
+      bits[i][d] = lowest[d] ^ low[d] ^ high[d] ^ highest[d];
   }
   for (std::size_t d = 0; d < dimension_count; ++d)
     for (int i = 0; i < sequence_points::size; ++i)
-      points.coordinates[d][i] = to_unit(scramble_reversed(bits[d][i], by.dimensions[d]));
+      points.coordinates[d][i] = to_unit(scramble_reversed(bits[i][d], by.dimensions[d]));
 }
 
 }  // namespace
@@ -120,7 +118,7 @@ QV_WIDE void get_sequence_points(const std::uint32_t* indices, const scrambling&
 
 QV_WIDE void get_shuffled_sequence_points(const std::uint32_t* indices, const scrambling& by,
                                           sequence_points& points) {
-  alignas(32) eight_bits shuffled;
+  alignas(32) std::uint32_t shuffled[sequence_points::size];
   for (int i = 0; i < sequence_points::size; ++i)
     shuffled[i] = scramble_reversed(reverse_bits(indices[i]), by.order);
   find_points(shuffled, by, points);

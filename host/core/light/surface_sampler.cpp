@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <limits>
 
 #include "utilities/qv_polygon.h"
@@ -67,7 +66,7 @@ constexpr triangle_part halve(const triangle_part& whole, bool second) {
 
 /// All parts after 0, 1, 2 … halvings, one after the other along the row: those after n halvings
 /// begin at number 2^n − 1. Their numbers are multiples of powers of 1/2, and exact.
-constexpr int table_halvings = 6;
+constexpr int table_halvings = 7;
 using part_table = std::array<triangle_part, (2u << table_halvings) - 1>;
 
 constexpr part_table make_parts() {
@@ -82,30 +81,26 @@ constexpr part_table make_parts() {
 
 constexpr part_table parts_of_triangle = make_parts();
 
-/// Bits of a position on the row through a triangle.
-constexpr int position_bits = 52;
-
 /// The point at `position` (0 … 1) of the row through a triangle that is halved `halvings` times.
 side_units get_point_of_triangle(double position, float across, int halvings) {
-  // Parts of the triangle, parts of these, and so on; the row through each is a whole one again.
-  const triangle_part* nested[most_halvings / table_halvings + 1];
-  int depth = 0;
-  constexpr std::int64_t end = std::int64_t{1} << position_bits;
-  auto rest = std::clamp(static_cast<std::int64_t>(position * end), std::int64_t{0}, end - 1);
-  while (halvings > 0) {
-    const int step = std::min(halvings, table_halvings);
-    const std::int64_t part = rest >> (position_bits - step);
-    rest = (rest << step) & (end - 1);
-    nested[depth++] = &parts_of_triangle[static_cast<std::size_t>((1 << step) - 1 + part)];
-    halvings -= step;
+  constexpr double before_end = 1 - 0x1p-53;
+  const int step = std::min(halvings, table_halvings);
+  const int count = 1 << step;
+  const double scaled = std::min(position, before_end) * count;
+  const int part = static_cast<int>(scaled);
+  const double rest = scaled - part;
+  side_units point{};
+  if (step == halvings) {
+    // From the square onto the triangle, area for area: E. Heitz, A low-distortion map between
+    // triangle and square, 2019.
+    const auto along = static_cast<float>(rest);
+    const float half = std::min(along, across) / 2;
+    point = {along - half, across - half};
+  } else {
+    // The row through a part is a whole one again.
+    point = get_point_of_triangle(rest, across, halvings - step);
   }
-  // From the square onto the triangle, area for area: E. Heitz, A low-distortion map between
-  // triangle and square, 2019.
-  const float along = static_cast<float>(rest) / static_cast<float>(end);
-  const float half = std::min(along, across) / 2;
-  side_units point = {along - half, across - half};
-  while (depth > 0) point = nested[--depth]->get_point_of_whole(point);
-  return point;
+  return parts_of_triangle[static_cast<std::size_t>(count - 1 + part)].get_point_of_whole(point);
 }
 
 }  // namespace
