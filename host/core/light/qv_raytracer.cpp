@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "core/light/qv_ray.h"
+#include "core/light/ray_level.h"
 #include "core/light/wide.h"
 #include "core/shapes/qvi_mesh.h"
-#include "utilities/qv_tolerances.h"
 
 // The triangles of all meshes lie in a few pools, each with a bounding volume hierarchy of its own
 // ("level"), large ones first. What changed goes into a new small level, while its former triangles
@@ -24,39 +24,19 @@
 
 namespace qv {
 
+using light::level;
+using light::primitive;
+using light::triangle_corners;
+
 namespace {
 
 /// A level is swallowed by a new one unless it has this many times its triangles.
 constexpr std::size_t level_growth = 4;
-/// m; a level whose centre lies nearer than this to the common centre uses that one, so that
-/// coincident faces of different levels are measured with the same rounding.
-constexpr float common_centre_reach = 1000.0f;
 /// m; nothing farther away is in the way of light.
 constexpr float farthest_light = 1e8f;
 /// A ray through the edge between two triangles meets both: passages of one mesh as near to each
 /// other as this (share of the distance, m below 1 m) count once.
 constexpr float same_passage = 1e-5f;
-/// The kernel reads vertices in blocks of four floats: room behind the last one.
-constexpr std::size_t vertex_padding = 4;
-
-/// The kernel's device, shared by every tracer of the process. One thread builds: hierarchies are
-/// the same on every machine, and no pool of threads runs in the back of an application.
-RTCDevice shared_device() {
-  struct holder {
-    RTCDevice device = rtcNewDevice("threads=1");
-    ~holder() { rtcReleaseDevice(device); }
-  };
-  static const holder instance;
-  return instance.device;
-}
-
-/// One traced triangle; `slot` is −1 once it is dead.
-struct primitive {
-  qvi_mesh* mesh;
-  qv_3dvector normal;
-  int triangle;
-  int slot;
-};
 
 /// A member mesh and where its triangles lie.
 struct slot {
@@ -66,63 +46,6 @@ struct slot {
   int level_id = -1;  // −1 in none
   std::size_t first = 0;
   std::size_t count = 0;
-};
-
-using triangle_corners = std::array<qv_3dvector, 3>;
-
-bool is_traceable(const qv_3dvector& p) {
-  constexpr auto limit = static_cast<float>(tolerance::largest_coordinate);
-  return std::fabs(p.x) <= limit && std::fabs(p.y) <= limit && std::fabs(p.z) <= limit;
-}
-
-/// Unit normal in double precision; false without an area.
-bool triangle_normal(const triangle_corners& t, qv_3dvector& normal) {
-  const double ux = double(t[1].x) - t[0].x, uy = double(t[1].y) - t[0].y,
-               uz = double(t[1].z) - t[0].z;
-  const double vx = double(t[2].x) - t[0].x, vy = double(t[2].y) - t[0].y,
-               vz = double(t[2].z) - t[0].z;
-  const double nx = uy * vz - uz * vy, ny = uz * vx - ux * vz, nz = ux * vy - uy * vx;
-  const double length = std::sqrt(nx * nx + ny * ny + nz * nz);
-  if (!(length > 0)) return false;
-  normal = qv_3dvector(static_cast<float>(nx / length), static_cast<float>(ny / length),
-                       static_cast<float>(nz / length));
-  return true;
-}
-
-struct level {
-  level() = default;
-  level(level&& other) noexcept { swap(other); }
-  level& operator=(level&& other) noexcept {
-    swap(other);
-    return *this;
-  }
-  ~level() {
-    if (scene != nullptr) rtcReleaseScene(scene);
-  }
-
-  void swap(level& other) noexcept {
-    std::swap(id, other.id);
-    std::swap(scene, other.scene);
-    vertices.swap(other.vertices);
-    indices.swap(other.indices);
-    primitives.swap(other.primitives);
-    std::swap(live, other.live);
-    std::swap(centre, other.centre);
-  }
-
-  void append(qvi_mesh* mesh, int slot_index, std::vector<triangle_corners>& corners);
-  void commit(const std::vector<triangle_corners>& corners, const qv_3dvector* common_centre);
-  bool has_dead() const { return live != primitives.size(); }
-  /// More dead than alive: worth a rebuild.
-  bool is_mostly_dead() const { return primitives.size() - live > live; }
-
-  int id = -1;
-  RTCScene scene = nullptr;
-  std::vector<float> vertices;
-  std::vector<std::uint32_t> indices;
-  std::vector<primitive> primitives;
-  std::size_t live = 0;
-  qv_3dvector centre;
 };
 
 struct trace_context {
@@ -197,56 +120,6 @@ void accept_occluder(const RTCFilterFunctionNArguments* arguments) {
       arguments->valid[i] = 0;
     }
   }
-}
-
-void level::append(qvi_mesh* mesh, int slot_index, std::vector<triangle_corners>& corners) {
-  const qv_list<qv_3dvector>& points = mesh->get_triangle_vertices();
-  const qv_list<int>& triangles = mesh->get_triangle_indices();
-  for (int i = 0; i + 2 < triangles.get_count(); i += 3) {
-    triangle_corners t;
-    bool traceable = true;
-    for (int k = 0; k < 3 && traceable; ++k) {
-      const int vertex = triangles[i + k];
-      traceable = vertex >= 0 && vertex < points.get_count() && is_traceable(t[k] = points[vertex]);
-    }
-    qv_3dvector normal;
-    if (!traceable || !triangle_normal(t, normal)) continue;
-    primitives.push_back({mesh, normal, i / 3, slot_index});
-    corners.push_back(t);
-  }
-}
-
-void level::commit(const std::vector<triangle_corners>& corners, const qv_3dvector* common_centre) {
-  live = primitives.size();
-  qv_box box;
-  for (const triangle_corners& t : corners)
-    for (const qv_3dvector& p : t) box.enlarge(p);
-  centre = box.get_center();
-  if (common_centre != nullptr && (centre - *common_centre).length() < common_centre_reach)
-    centre = *common_centre;
-
-  vertices.reserve(corners.size() * 9 + vertex_padding);
-  indices.reserve(corners.size() * 3);
-  for (const triangle_corners& t : corners) {
-    for (const qv_3dvector& p : t) {
-      indices.push_back(static_cast<std::uint32_t>(indices.size()));
-      vertices.insert(vertices.end(), {p.x - centre.x, p.y - centre.y, p.z - centre.z});
-    }
-  }
-  vertices.resize(vertices.size() + vertex_padding);
-
-  scene = rtcNewScene(shared_device());
-  rtcSetSceneFlags(scene, RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION);
-  const RTCGeometry geometry = rtcNewGeometry(shared_device(), RTC_GEOMETRY_TYPE_TRIANGLE);
-  rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                             vertices.data(), 0, 3 * sizeof(float), corners.size() * 3);
-  rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, indices.data(),
-                             0, 3 * sizeof(std::uint32_t), corners.size());
-  rtcSetGeometryIntersectFilterFunction(geometry, accept_hit);
-  rtcCommitGeometry(geometry);
-  rtcAttachGeometry(scene, geometry);
-  rtcReleaseGeometry(geometry);
-  rtcCommitScene(scene);
 }
 
 /// Fills the kernel's ray; false for a ray that can hit nothing.
@@ -507,6 +380,7 @@ bool qv_raytracer::raytrace(qv_ray& ray) const {
 
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
+  context.kernel.filter = accept_hit;
   context.slots = &kernel_->slots;
   context.nearest[0] = nullptr;
   for (const level& l : kernel_->levels) {
@@ -557,6 +431,7 @@ void qv_raytracer::find_light(qv_ray_packet& packet, const float* transmission,
 void qv_raytracer::find_hits(const qv_ray_packet& packet, qv_packet_hits& hits) const {
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
+  context.kernel.filter = accept_hit;
   context.slots = &kernel_->slots;
   context.nearest.fill(nullptr);
 

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "utilities/qv_3dvector.h"
+
+/// The kernel's scene.
+struct RTCSceneTy;
+
+namespace qv {
+class qvi_mesh;
+}
+
+namespace qv::light {
+
+/// One traced triangle; `slot` is the tracer's number of its mesh, −1 once the triangle is dead.
+struct primitive {
+  qvi_mesh* mesh;
+  qv_3dvector normal;
+  int triangle;
+  int slot;
+};
+
+using triangle_corners = std::array<qv_3dvector, 3>;
+
+/// A pool of triangles of a ray tracer with a bounding volume hierarchy of its own.
+struct level {
+  level() = default;
+  level(level&& other) noexcept { swap(other); }
+  level& operator=(level&& other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~level();
+
+  /// Adds the mesh's triangles to `primitives` and their corners to `corners`, those left out that
+  /// are not finite or have no area.
+  void append(qvi_mesh* mesh, int slot, std::vector<triangle_corners>& corners);
+  /// Builds the hierarchy, around `common_centre` when that is near enough to the triangles'.
+  void commit(const std::vector<triangle_corners>& corners, const qv_3dvector* common_centre);
+  bool has_dead() const { return live != primitives.size(); }
+  /// More dead than alive: worth a rebuild.
+  bool is_mostly_dead() const { return primitives.size() - live > live; }
+
+  int id = -1;
+  /// Filters of hits are asked for by each query's context.
+  RTCSceneTy* scene = nullptr;
+  /// Three coordinates for each corner of each triangle, from the centre.
+  std::vector<float> vertices;
+  std::vector<std::uint32_t> indices;
+  std::vector<primitive> primitives;
+  std::size_t live = 0;
+  qv_3dvector centre;
+
+ private:
+  void swap(level& other) noexcept;
+};
+
+}  // namespace qv::light
