@@ -1,6 +1,7 @@
 #include "app/readers/qv_gbxml_schedules.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <utility>
 
@@ -16,11 +17,11 @@ bool means_temperature(qv_xml_element element) {
   return element.get_attribute("type").starts_with("Temp");
 }
 
-qv_list<float> to_list(const std::vector<float>& values) {
-  qv_list<float> list;
-  list.reserve(static_cast<int>(values.size()));
-  for (const float value : values) list.append(value);
-  return list;
+qv_list<float> make_year(float value) {
+  qv_list<float> year;
+  year.resize(qv_hours_of_year);
+  std::fill(year.begin(), year.end(), value);
+  return year;
 }
 
 }  // namespace
@@ -106,16 +107,19 @@ const std::vector<float>* qv_gbxml_schedules::find_hours(const std::string& week
 }
 
 // The year hour by hour; a later part stands over an earlier one.
-std::vector<float> qv_gbxml_schedules::expand(const schedule& s, int& silent_days) const {
-  std::vector<float> year(qv_hours_of_year, 0.0f);
+qv_list<float> qv_gbxml_schedules::expand(const schedule& s, int& silent_days) const {
+  qv_list<float> year = make_year(0);
   std::vector<char> told(qv_days_of_year, 0);
   const std::vector<int> weekdays = qv_weekdays_of_year(s.begin_date);
   for (const year_part& part : s.parts) {
+    std::array<const std::vector<float>*, 7> week{};
+    for (std::size_t weekday = 0; weekday < week.size(); ++weekday)
+      week[weekday] = find_hours(part.week, static_cast<int>(weekday));
     // A part that ends before it begins goes over the turn of the year.
     const int last = part.last < part.first ? part.last + qv_days_of_year : part.last;
     for (int day = part.first; day <= last; ++day) {
       const auto place = static_cast<std::size_t>(day % qv_days_of_year);
-      const std::vector<float>* hours = find_hours(part.week, weekdays[place]);
+      const std::vector<float>* hours = week[static_cast<std::size_t>(weekdays[place])];
       if (hours == nullptr) continue;
       told[place] = 1;
       std::copy(hours->begin(), hours->end(),
@@ -130,7 +134,7 @@ void qv_gbxml_schedules::make_items(qv_item* parent, qv_unique_ids& ids) {
   parent_ = parent;
   for (schedule& s : schedules_) {
     int silent_days = 0;
-    const std::vector<float> year = expand(s, silent_days);
+    const qv_list<float> year = expand(s, silent_days);
     if (silent_days == qv_days_of_year) {
       context_.warn(s.element, "the schedule has no day with values and was left out");
       continue;
@@ -142,7 +146,7 @@ void qv_gbxml_schedules::make_items(qv_item* parent, qv_unique_ids& ids) {
     s.item = new qvi_schedule;
     s.item->set_name(s.name);
     ids.give(s.item, s.id);
-    s.item->set_values(to_list(year));
+    s.item->set_values(year);
     parent->add_child(s.item, -1);
   }
 }
@@ -169,7 +173,7 @@ qvi_schedule* qv_gbxml_schedules::make_constant(double temperature) {
   if (item != nullptr) return item;
   item = new qvi_schedule;
   item->set_name(name);
-  item->set_values(to_list(std::vector<float>(qv_hours_of_year, static_cast<float>(temperature))));
+  item->set_values(make_year(static_cast<float>(temperature)));
   parent_->add_child(item, -1);
   return item;
 }

@@ -7,6 +7,7 @@
 
 #include "app/readers/qv_gbxml_context.h"
 #include "app/readers/qv_id_map.h"
+#include "utilities/qv_list.h"
 
 namespace qv {
 
@@ -59,7 +60,7 @@ class qv_gbxml_schedules {
   void read_week(qv_xml_element element);
   void read_day(qv_xml_element element);
   const std::vector<float>* find_hours(const std::string& week, int weekday) const;
-  std::vector<float> expand(const schedule& s, int& silent_days) const;
+  qv_list<float> expand(const schedule& s, int& silent_days) const;
 
   qv_gbxml_context& context_;
   qv_item* parent_ = nullptr;
