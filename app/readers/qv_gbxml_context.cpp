@@ -146,13 +146,8 @@ void qv_gbxml_context::finish() {
     if (w.count > 1) text += " (and at " + std::to_string(w.count - 1) + " further places)";
     model_.warnings.push_back(qv_one_line(text, 1000));
   }
-  // In the order of the file, so that its lines are counted once.
-  std::vector<std::pair<std::size_t, std::size_t>> in_order;
-  in_order.reserve(entry_offsets_.size());
-  for (const std::size_t offset : entry_offsets_) in_order.emplace_back(offset, in_order.size());
-  std::sort(in_order.begin(), in_order.end());
-  for (const auto& [offset, entry] : in_order) {
-    model_.ledger.set_line(entry, document_.get_line(offset));
+  for (std::size_t entry = 0; entry < entry_offsets_.size(); ++entry) {
+    model_.ledger.set_line(entry, document_.get_line(entry_offsets_[entry]));
     if (model_.ledger.get_entries()[entry].reason.empty())
       model_.ledger.amend(entry, qv_import_ledger::outcome::kept, "as it stands");
   }

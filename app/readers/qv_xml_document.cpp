@@ -51,72 +51,49 @@ bool has_attribute_twice(pugi::xml_attribute first) {
   return false;
 }
 
-// The elements of a parsed text in its order.
-struct element_list {
-  std::vector<qv::qv_xml_element::record> records;
-  bool is_doubtful = false;
-};
-
-// An element whose children are being listed.
-struct open_element {
-  pugi::xml_node node;
-  std::size_t number;
-};
-
-element_list list_elements(const pugi::xml_document& document, std::size_t tag_count) {
-  constexpr std::size_t none = static_cast<std::size_t>(-1);
-  element_list list;
-  list.records.reserve(tag_count / 2 + 1);  // most have a tag at either end
-  std::vector<open_element> open;
-  std::size_t previous = none;  // the element before this one among its parent's
-  pugi::xml_node node = document.first_child();
-  while (true) {
-    if (pointer_of(node) == nullptr) {
-      if (open.empty()) break;
-      node = open.back().node.next_sibling();
-      previous = open.back().number;
-      open.pop_back();
-      continue;
-    }
-    // Besides the root: a document type, or text outside the root.
-    if (open.empty() && (node.type() != pugi::node_element || previous != none))
-      list.is_doubtful = true;
-    const char* const name = node.name();
-    if (*name == '\0') {  // text between elements
-      node = node.next_sibling();
-      continue;
-    }
-    const std::size_t number = list.records.size();
-    if (previous != none) {
-      list.records[previous].next = static_cast<std::uint32_t>(number - previous);
-    } else if (number > 0) {
-      list.records[number - 1].has_child = 1;
-    }
-    list.records.push_back({name, pointer_of(node)});
-    const pugi::xml_attribute attribute = node.first_attribute();
-    if (pointer_of(attribute) != nullptr && has_attribute_twice(attribute)) list.is_doubtful = true;
-    const pugi::xml_node child = node.first_child();
-    if (pointer_of(child) == nullptr) {
-      previous = number;
-      node = node.next_sibling();
-    } else {
-      open.push_back({node, number});
-      if (open.size() >= qv::largest_xml_depth) list.is_doubtful = true;
-      previous = none;
-      node = child;
-    }
+// Lists the elements of a parsed text in its order, and looks on the way for what may be wrong.
+class element_lister : public pugi::xml_tree_walker {
+ public:
+  element_lister(pugi::xml_document& document, std::size_t tag_count) {
+    records_.reserve(tag_count / 2 + 1);  // most have a tag at either end
+    document.traverse(*this);
   }
-  if (list.records.empty()) list.is_doubtful = true;
-  return list;
-}
 
-// Text with a tag in every few bytes is no building model, and its tree would take twenty times its
-// memory: such a text is checked before it is parsed.
-bool is_crowded(std::string_view text, std::size_t tag_count) {
-  constexpr std::size_t little = 1 << 20;        // bytes; a tree of that is affordable
-  constexpr std::size_t fewest_bytes_a_tag = 8;  // numbers between tags alone take more
-  return text.size() >= little && tag_count > text.size() / fewest_bytes_a_tag;
-}
+  bool is_doubtful() const { return is_doubtful_ || records_.empty(); }
+  std::vector<qv::qv_xml_element::record> take_records() { return std::move(records_); }
+
+  bool for_each(pugi::xml_node& node) override {
+    const auto level = static_cast<std::size_t>(depth());
+    // Besides the root: a document type, or text outside the root.
+    if (level == 0 && (node.type() != pugi::node_element || !records_.empty())) is_doubtful_ = true;
+    const char* const name = node.name();
+    if (*name == '\0') return true;  // text between elements
+    if (level >= qv::largest_xml_depth) is_doubtful_ = true;
+    const pugi::xml_attribute first = node.first_attribute();
+    if (pointer_of(first) != nullptr && has_attribute_twice(first)) is_doubtful_ = true;
+    add(level, {name, pointer_of(node)});
+    return true;
+  }
+
+ private:
+  // Deeper than the element before, it is that one's first child; else it follows the last element
+  // of its level, which has the same parent.
+  void add(std::size_t level, const qv::qv_xml_element::record& element) {
+    const std::size_t number = records_.size();
+    if (level == open_.size()) {
+      if (number > 0) records_[number - 1].has_child = 1;
+    } else {
+      records_[open_[level]].next = static_cast<std::uint32_t>(number - open_[level]);
+      open_.resize(level);
+    }
+    open_.push_back(number);
+    records_.push_back(element);
+  }
+
+  std::vector<qv::qv_xml_element::record> records_;
+  std::vector<std::size_t> open_;  // the last element and those that it lies in, outermost first
+  bool is_doubtful_ = false;
+};
 
 // --- prefixes ---
 
@@ -142,8 +119,11 @@ bool is_behind_prefix(std::string_view text, std::size_t colon) {
   return last < text.size() && text[last] == '=';
 }
 
-bool has_prefixes(std::string_view text) {
-  for (std::size_t at = text.find(':'); at != std::string_view::npos; at = text.find(':', at + 1))
+// As above for any colon in the stretch of the text.
+bool has_prefix_in(std::string_view text, std::size_t first, std::size_t last) {
+  const std::string_view stretch = text.substr(0, last);
+  for (std::size_t at = stretch.find(':', first); at != std::string_view::npos;
+       at = stretch.find(':', at + 1))
     if (is_behind_prefix(text, at)) return true;
   return false;
 }
@@ -163,6 +143,38 @@ class prefix_remover : public pugi::xml_tree_walker {
     const char* const colon = std::strchr(named.name(), ':');
     if (colon != nullptr) named.set_name(std::string(colon + 1).c_str());
   }
+};
+
+// --- survey ---
+
+// Bytes that are looked at together, once for each question, while they are in the nearest cache.
+constexpr std::size_t block_size = 2048;
+
+// What one pass over a text finds.
+struct text_survey {
+  explicit text_survey(std::string_view text) {
+    lines_before.reserve(text.size() / block_size + 1);
+    std::size_t lines = 0;
+    for (std::size_t first = 0; first <= text.size(); first += block_size) {
+      const std::string_view block = text.substr(first, block_size);
+      lines_before.push_back(lines);
+      lines += qv::qv_count_characters(block, '\n');
+      tag_count += qv::qv_count_characters(block, '<');
+      has_prefixes = has_prefixes || has_prefix_in(text, first, first + block.size());
+    }
+  }
+
+  // Text with a tag in every few bytes is no building model, and its tree would take twenty times
+  // its memory: such a text is checked before it is parsed.
+  bool is_crowded(std::string_view text) const {
+    constexpr std::size_t little = 1 << 20;        // bytes; a tree of that is affordable
+    constexpr std::size_t fewest_bytes_a_tag = 8;  // numbers between tags alone take more
+    return text.size() >= little && tag_count > text.size() / fewest_bytes_a_tag;
+  }
+
+  std::vector<std::size_t> lines_before;  // line ends before each block
+  std::size_t tag_count = 0;
+  bool has_prefixes = false;
 };
 
 }  // namespace
@@ -212,8 +224,9 @@ qv_xml_document::qv_xml_document(std::string name, std::string bytes)
     : name_(std::move(name)),
       text_(qv_to_utf8(name_, std::move(bytes), warnings_)),
       parsed_(std::make_unique<parsed>()) {
-  const std::size_t tag_count = qv_count_characters(text_, '<');
-  if (is_crowded(text_, tag_count)) qv_check_xml(name_, text_);
+  text_survey survey(text_);
+  if (survey.is_crowded(text_)) qv_check_xml(name_, text_);
+  lines_before_ = std::move(survey.lines_before);
   // A text alone in its element is kept in the element itself, which halves the number of nodes.
   // Document types and text outside the root are kept for the check.
   const pugi::xml_parse_result result = parsed_->document.load_buffer(
@@ -228,15 +241,15 @@ qv_xml_document::qv_xml_document(std::string name, std::string bytes)
                          std::string("is not well-formed XML: ") + result.description(),
                          "export the model again, or mend the file at this place");
   }
-  element_list list = list_elements(parsed_->document, tag_count);
-  if (list.is_doubtful) qv_check_xml(name_, text_);
+  element_lister lister(parsed_->document, survey.tag_count);
+  if (lister.is_doubtful()) qv_check_xml(name_, text_);
   root_name_ = parsed_->document.document_element().name();
-  if (has_prefixes(text_)) {
+  if (survey.has_prefixes) {
     prefix_remover remover;
     parsed_->document.traverse(remover);
-    list = list_elements(parsed_->document, tag_count);
+    lister = element_lister(parsed_->document, survey.tag_count);
   }
-  parsed_->elements = std::move(list.records);
+  parsed_->elements = lister.take_records();
 }
 
 qv_xml_document::~qv_xml_document() = default;
@@ -247,14 +260,9 @@ qv_xml_element qv_xml_document::get_root() const {
 
 std::size_t qv_xml_document::get_line(std::size_t offset) const {
   const std::size_t end = std::min(offset, text_.size());
-  const std::string_view text = text_;
-  if (end >= counted_offset_) {
-    counted_line_ += qv_count_characters(text.substr(counted_offset_, end - counted_offset_), '\n');
-  } else {
-    counted_line_ -= qv_count_characters(text.substr(end, counted_offset_ - end), '\n');
-  }
-  counted_offset_ = end;
-  return counted_line_;
+  const std::size_t block = end / block_size;
+  const std::string_view before = std::string_view(text_).substr(0, end).substr(block * block_size);
+  return 1 + lines_before_[block] + qv_count_characters(before, '\n');
 }
 
 }  // namespace qv

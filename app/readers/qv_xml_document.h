@@ -139,7 +139,7 @@ class qv_xml_document {
   const std::vector<std::string>& get_warnings() const { return warnings_; }
   /// Line at which the element begins, from 1.
   std::size_t get_line(qv_xml_element element) const { return get_line(element.get_offset()); }
-  /// Line of an element's offset, from 1. Costs the distance from the offset asked for before.
+  /// Line of an element's offset, from 1.
   std::size_t get_line(std::size_t offset) const;
 
  private:
@@ -150,9 +150,7 @@ class qv_xml_document {
   std::string text_;
   std::unique_ptr<parsed> parsed_;
   std::string root_name_;
-  // The last question about a line and its answer.
-  mutable std::size_t counted_offset_ = 0;
-  mutable std::size_t counted_line_ = 1;
+  std::vector<std::size_t> lines_before_;  // line ends before each block of the text
 };
 
 }  // namespace qv
