@@ -61,6 +61,7 @@ void qv_gbxml_openings::make_opening(const opening& o, std::size_t rank, qv_uniq
   item->set_name(several ? o.name + " (" + std::to_string(rank + 1) + ")" : o.name);
   ids.give(item, o.id);
   qv_list<std::string> sources;
+  sources.reserve(1 + static_cast<int>(o.merged_ids.size()));
   if (!o.id.empty()) sources.append(o.id);
   for (const std::string& id : o.merged_ids) sources.append(id);
   item->set_source_ids(sources);

@@ -277,24 +277,23 @@ void qv_gbxml_surfaces::number_corners() {
 
 void qv_gbxml_surfaces::merge_duplicates() {
   number_corners();
-  // Surfaces of the same contour follow each other in chains, the first one first.
-  std::unordered_map<std::uint64_t, int> first_of;
-  first_of.reserve(surfaces_.size());
-  std::vector<int> next(surfaces_.size(), -1);
-  for (std::size_t i = 0; i < surfaces_.size(); ++i) {
-    const std::vector<int>* contour = single_contour(surfaces_[i]);
-    if (contour == nullptr) continue;
-    const auto [slot, fresh] = first_of.try_emplace(contour_hash(*contour), static_cast<int>(i));
-    if (fresh) continue;
-    for (int earlier = slot->second;; earlier = next[static_cast<std::size_t>(earlier)]) {
+  // Surfaces of the same contour side by side, in the order of the file.
+  std::vector<std::pair<std::uint64_t, int>> order;
+  order.reserve(surfaces_.size());
+  for (std::size_t i = 0; i < surfaces_.size(); ++i)
+    if (const std::vector<int>* contour = single_contour(surfaces_[i]))
+      order.emplace_back(contour_hash(*contour), static_cast<int>(i));
+  std::sort(order.begin(), order.end());
+  std::vector<int> kept;  // of the present hash
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (i > 0 && order[i].first != order[i - 1].first) kept.clear();
+    qv_gbxml_surface& surface = surfaces_[static_cast<std::size_t>(order[i].second)];
+    const bool is_merged = std::any_of(kept.begin(), kept.end(), [&](int earlier) {
       qv_gbxml_surface& candidate = surfaces_[static_cast<std::size_t>(earlier)];
-      if (is_same_contour(*single_contour(candidate), *contour) &&
-          merge(candidate, earlier, surfaces_[i]))
-        break;
-      if (next[static_cast<std::size_t>(earlier)] >= 0) continue;
-      next[static_cast<std::size_t>(earlier)] = static_cast<int>(i);
-      break;
-    }
+      return is_same_contour(*single_contour(candidate), *single_contour(surface)) &&
+             merge(candidate, earlier, surface);
+    });
+    if (!is_merged) kept.push_back(order[i].second);
   }
   check_ids();
 }

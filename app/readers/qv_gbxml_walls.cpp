@@ -221,6 +221,7 @@ qvi_wall* qv_gbxml_walls::make_wall_of(qv_gbxml_surface& surface, std::size_t pa
                      : surface.name);
   ids.give(wall, surface.id);
   qv_list<std::string> sources;
+  sources.reserve(1 + static_cast<int>(surface.merged_ids.size()));
   if (!surface.id.empty()) sources.append(surface.id);
   for (const std::string& id : surface.merged_ids) sources.append(id);
   wall->set_source_ids(sources);
