@@ -35,6 +35,25 @@ TEST(sample_sequence, fills_every_strip_of_each_dimension_and_each_cell_of_the_f
   }
 }
 
+TEST(sample_sequence, gives_eight_points_at_once_as_one_by_one) {
+  const scrambling by(11);
+  for (std::uint32_t first : {0u, 250u, 65530u, 0xfffffff0u}) {
+    std::uint32_t indices[sequence_points::size];
+    for (std::uint32_t i = 0; i < sequence_points::size; ++i) indices[i] = first + i;
+    sequence_points points, shuffled;
+    get_sequence_points(indices, by, points);
+    get_shuffled_sequence_points(indices, by, shuffled);
+    for (std::size_t i = 0; i < sequence_points::size; ++i) {
+      const auto point = get_sequence_point(indices[i], by);
+      const auto other = get_shuffled_sequence_point(indices[i], by);
+      for (std::size_t d = 0; d < 4; ++d) {
+        EXPECT_EQ(points.coordinates[d][i], point[d]);
+        EXPECT_EQ(shuffled.coordinates[d][i], other[d]);
+      }
+    }
+  }
+}
+
 TEST(sample_sequence, has_points_of_different_seeds_that_have_nothing_in_common) {
   // Mean product of deviations from 1/2 over many seeds: 0 for what is independent.
   double product = 0, square = 0;
@@ -66,6 +85,23 @@ TEST(surface_sampler, gives_equal_areas_equal_parts_of_its_row) {
   }
   EXPECT_NEAR(static_cast<double>(left) / count, 12 / 28.0, 0.002);
   EXPECT_NEAR(static_cast<double>(below) / count, 8 / 28.0, 0.002);
+}
+
+TEST(surface_sampler, has_a_point_in_each_of_as_many_parts_as_asked_for) {
+  // Four neighbouring strata of 1 / 4,096 of the row make a small square each, or two of them half
+  // a square: every square gets as many points.
+  const surface_sampler sampler(to_polygon({0, 0, 0}, {1, 0, 0}, {0, 1, 0}), {});
+  constexpr int count = 4096, edge = 32;
+  std::vector<int> squares(edge * edge);
+  qv_random random(3);
+  for (int i = 0; i < count; ++i) {
+    const double position = (i + static_cast<double>(random.dice_float())) / count;
+    const qv_3dvector p = sampler.get_point(position, random.dice_float(), 12);
+    const auto column = static_cast<std::size_t>(p.x * edge);
+    ++squares[column * edge + static_cast<std::size_t>(p.y * edge)];
+  }
+  EXPECT_EQ(*std::min_element(squares.begin(), squares.end()), 4);
+  EXPECT_EQ(*std::max_element(squares.begin(), squares.end()), 4);
 }
 
 TEST(surface_sampler, has_neighbours_in_its_row_close_together) {

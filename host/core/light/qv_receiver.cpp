@@ -1,6 +1,7 @@
 #include "core/light/qv_receiver.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "core/items/qv_scene.h"
@@ -43,6 +44,18 @@ float to_sigma(double variance) {
 
 float to_error_bound(float error) {
   return error > 0 && std::isfinite(error) ? error : 0;
+}
+
+/// A number for where a surface lies, how large it is and where it faces. Receivers that are given
+/// the same seed have errors of their own by it, so that those of a building average out.
+std::uint32_t get_fingerprint(const surface_sampler& surface, const qv_3dvector& normal) {
+  const qv_3dvector point = surface.get_point(0, 0, 0);
+  std::uint32_t number = 0;
+  for (float value : {point.x, point.y, point.z, static_cast<float>(surface.get_area()), normal.x,
+                      normal.y, normal.z}) {
+    number = combine_seeds(number, std::bit_cast<std::uint32_t>(value));
+  }
+  return number;
 }
 
 }  // namespace
@@ -105,7 +118,7 @@ void qv_receiver::compute(int seed) {
       normal,
       scene->tracer->is_all_behind(surface.get_lowest(normal), normal, front_tolerance),
       std::clamp(ray_depth_, 0, most_reflexions),
-      mix_bits(static_cast<std::uint32_t>(seed)),
+      combine_seeds(mix_bits(static_cast<std::uint32_t>(seed)), get_fingerprint(surface, normal)),
       per_square_metre_ ? 1.0 : surface.get_area()};
   compute_beam(with);
   compute_sky(with);

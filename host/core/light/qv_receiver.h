@@ -79,8 +79,9 @@ class qv_receiver {
   float get_diffuse_error() const { return diffuse_error_; }
 
   /// Computes the results. The same scene, settings and `seed` give the same bits, whatever other
-  /// receivers are computed at the same time; different seeds give independent errors. Receivers of
-  /// one scene may be computed by several threads at once while nothing changes the scene.
+  /// receivers are computed at the same time. Different seeds give independent errors, and so do
+  /// different surfaces of the same seed. Receivers of one scene may be computed by several threads
+  /// at once while nothing changes the scene.
   virtual void compute(int seed);
 
   // --- results of the last computation ---

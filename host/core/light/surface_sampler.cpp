@@ -85,8 +85,7 @@ constexpr part_table parts_of_triangle = make_parts();
 side_units get_point_of_triangle(double position, float across, int halvings) {
   constexpr double before_end = 1 - 0x1p-53;
   const int step = std::min(halvings, table_halvings);
-  const int count = 1 << step;
-  const double scaled = std::min(position, before_end) * count;
+  const double scaled = std::min(position, before_end) * (1 << step);
   const int part = static_cast<int>(scaled);
   const double rest = scaled - part;
   side_units point{};
@@ -100,7 +99,8 @@ side_units get_point_of_triangle(double position, float across, int halvings) {
     // The row through a part is a whole one again.
     point = get_point_of_triangle(rest, across, halvings - step);
   }
-  return parts_of_triangle[static_cast<std::size_t>(count - 1 + part)].get_point_of_whole(point);
+  const std::size_t first = (std::size_t{1} << step) - 1;
+  return parts_of_triangle[first + static_cast<std::size_t>(part)].get_point_of_whole(point);
 }
 
 }  // namespace
