@@ -1,10 +1,10 @@
-#include <CLI/CLI.hpp>
-#include <filesystem>
+#include <array>
 #include <memory>
 #include <set>
 #include <utility>
 
 #include "app/check/qv_check.h"
+#include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
 #include "app/commands/qv_context_option.h"
 #include "app/commands/qv_progress.h"
@@ -17,13 +17,11 @@
 namespace qv {
 namespace {
 
-namespace fs = std::filesystem;
-
 struct check_arguments {
   std::string model;
   bool fix = false;
   std::string repaired;
-  std::string format = "text";
+  bool as_json = false;
   qv_context_options context;
 };
 
@@ -64,13 +62,12 @@ qv_findings_report check(const check_arguments& arguments, std::vector<std::stri
   if (!arguments.fix) return report;
   progress.begin_step(3, step_count, "repairing the model");
   const qv_turned_gbxml turned = repair(arguments.model, bytes, report.findings);
-  const fs::path file = arguments.repaired;
-  qv_output_folder folder(file.has_parent_path() ? file.parent_path() : fs::path("."));
-  folder.stage(file.filename().string(), turned.text);
+  qv_output_file file(arguments.repaired);
+  file.stage(turned.text);
   report.repaired_file = arguments.repaired;
   report.turned_count = turned.count;
   report.findings = find(arguments.repaired, turned.text, arguments.context).findings;
-  folder.commit();
+  file.commit();
   return report;
 }
 
@@ -78,40 +75,34 @@ int run_check(const check_arguments& arguments) {
   std::vector<std::string> notes;
   const qv_findings_report report = check(arguments, notes);
   qv_print_notes(notes);
-  qv_print(arguments.format == "json" ? qv_findings_json(report) : qv_findings_text(report));
+  qv_print(arguments.as_json ? qv_findings_json(report) : qv_findings_text(report));
   return report.findings.empty() ? qv_exit_success : qv_exit_findings;
 }
 
 }  // namespace
 
-void qv_add_check_command(CLI::App& program, qv_command_action& action) {
+void qv_add_check_command(qv_command& program) {
+  static constexpr std::array<qv_choice<bool>, 2> formats = {{{"text", false}, {"json", true}}};
   const auto arguments = std::make_shared<check_arguments>();
-  CLI::App* command = program.add_subcommand(
+  qv_command& command = program.add_command(
       "check", "Look for what is wrong with a gbXML model: holes, reversed surfaces, …");
-  command->add_option("MODEL", arguments->model, "The model, a gbXML file")
-      ->required()
-      ->option_text(" ");
-  command->add_flag("--fix", arguments->fix, "Turn the surfaces that look into their space");
-  command->add_option("--out", arguments->repaired, "With --fix: the file for the repaired model")
-      ->option_text("MODEL2");
-  command->add_option("--format", arguments->format, "text (one line for each finding) or json")
-      ->option_text("FORMAT");
-  qv_add_context_options(*command, arguments->context);
-  command->footer(
+  command.add_model(arguments->model);
+  command.add_flag("--fix", "Turn the surfaces that look into their space", arguments->fix);
+  command.add_option({"--out", "MODEL2", "With --fix: the file for the repaired model"},
+                     arguments->repaired);
+  command.add_choice("--format", "text: one line for each finding", formats, arguments->as_json);
+  qv_add_context_options(command, arguments->context);
+  command.set_footer(
       "Exit code 0 when there is nothing to tell, 1 with findings (with --fix: those left in "
       "MODEL2).\n\n"
       "Examples:\n"
       "  qv check house.xml\n"
       "  qv check house.xml --format json\n"
       "  qv check house.xml --fix --out mended.xml");
-  command->callback([&action, arguments] {
-    if (arguments->model.empty()) throw CLI::ValidationError("MODEL is an empty name");
-    if (arguments->fix == arguments->repaired.empty())
-      throw CLI::ValidationError("--fix and --out go together");
-    if (arguments->format != "text" && arguments->format != "json")
-      throw CLI::ValidationError("--format is text or json");
-    action = [arguments] { return run_check(*arguments); };
+  command.set_check([arguments]() -> std::string {
+    return arguments->fix == arguments->repaired.empty() ? "--fix and --out go together" : "";
   });
+  command.set_action([arguments] { return run_check(*arguments); });
 }
 
 }  // namespace qv

@@ -1,6 +1,7 @@
-#include <CLI/CLI.hpp>
+#include <array>
 #include <memory>
 
+#include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
 #include "app/commands/qv_context_option.h"
 #include "app/commands/qv_progress.h"
@@ -13,43 +14,49 @@
 namespace qv {
 namespace {
 
+enum class export_format : int { json, obj, gltf, gbxml };
+
 struct export_arguments {
   std::string model;
-  std::string format;
+  export_format format = export_format::json;
   std::string file;
   qv_context_options context;
 };
 
-std::string export_text(const std::string& format, const qv_gbxml_model& model) {
+std::string export_text(export_format format, const qv_gbxml_model& model) {
   const qv_double3 origin(model.origin[0], model.origin[1], model.origin[2]);
-  if (format == "obj") return qv_export_obj(*model.scene, origin);
-  if (format == "gltf") return qv_export_gltf(*model.scene, origin);
-  if (format == "gbxml") return qv_export_gbxml(model);
-  return qv_model_text(model);
+  switch (format) {
+    case export_format::json:
+      return qv_model_text(model);
+    case export_format::obj:
+      return qv_export_obj(*model.scene, origin);
+    case export_format::gltf:
+      return qv_export_gltf(*model.scene, origin);
+    case export_format::gbxml:
+      return qv_export_gbxml(model);
+  }
+  return {};
 }
 
 int run_export(const export_arguments& arguments) {
-  const std::filesystem::path file = arguments.file;
   // Before the work, so that a wrong place is told at once.
-  qv_output_folder folder(file.has_parent_path() ? file.parent_path() : ".");
+  qv_output_file file(arguments.file);
   std::vector<std::string> notes;
   {
     qv_progress progress;
-    const auto announce = [&progress](int step, int count, const char* what) {
-      progress.begin_step(step, count, what);
-    };
+    const auto announce = progress.get_announcer();
     announce(1, 4, "reading the model");
     qv_gbxml_model model = qv_read_gbxml(arguments.model);
     notes = qv_add_context(model, arguments.context);
     // Geometry keeps the axes of its file, which says how they lie to north; the text of the model
     // is that of a study.
     qv_study_options options;
-    if (arguments.format != "json") options.north = 0.0;
+    if (arguments.format != export_format::json) options.north = 0.0;
     qv_compute_model(model, options, announce);
     announce(4, 4, "writing the model");
-    folder.stage(file.filename().string(), export_text(arguments.format, model));
+    file.stage(export_text(arguments.format, model));
   }
-  folder.commit();
+  file.commit();
   qv_print_notes(notes);
   qv_print("Written to " + arguments.file + "\n");
   return qv_exit_success;
@@ -57,34 +64,27 @@ int run_export(const export_arguments& arguments) {
 
 }  // namespace
 
-void qv_add_export_command(CLI::App& program, qv_command_action& action) {
+void qv_add_export_command(qv_command& program) {
+  static constexpr std::array<qv_choice<export_format>, 4> formats = {
+      {{"json", export_format::json},
+       {"obj", export_format::obj},
+       {"gltf", export_format::gltf},
+       {"gbxml", export_format::gbxml}}};
   const auto arguments = std::make_shared<export_arguments>();
-  CLI::App* command =
-      program.add_subcommand("export", "Write a gbXML model in another format, or mended");
-  command->add_option("MODEL", arguments->model, "The model, a gbXML file")
-      ->required()
-      ->option_text(" ");
-  command
-      ->add_option("--format", arguments->format,
-                   "json: the text of the model; obj, gltf: its surfaces for\n"
-                   "other programs; gbxml: as it was understood and mended")
-      ->required()
-      ->check(CLI::IsMember({"json", "obj", "gltf", "gbxml"}))
-      ->option_text("json|obj|gltf|gbxml");
-  command->add_option("--out", arguments->file, "The file to write")
-      ->required()
-      ->option_text("FILE");
-  qv_add_context_options(*command, arguments->context);
-  command->footer(
+  qv_command& command =
+      program.add_command("export", "Write a gbXML model in another format, or mended");
+  command.add_model(arguments->model);
+  command.add_required_choice("--format",
+                              "json: the text of the model; obj, gltf: its surfaces for\n"
+                              "other programs; gbxml: as it was understood and mended",
+                              formats, arguments->format);
+  command.add_out_file("The file to write", arguments->file);
+  qv_add_context_options(command, arguments->context);
+  command.set_footer(
       "Examples:\n"
       "  qv export house.xml --format gltf --out house.gltf\n"
       "  qv export house.xml --format gbxml --out mended.xml");
-  command->callback([&action, arguments] {
-    if (arguments->model.empty()) throw CLI::ValidationError("MODEL is an empty name");
-    if (std::filesystem::path(arguments->file).filename().empty())
-      throw CLI::ValidationError("--out is no name of a file");
-    action = [arguments] { return run_export(*arguments); };
-  });
+  command.set_action([arguments] { return run_export(*arguments); });
 }
 
 }  // namespace qv

@@ -1,6 +1,6 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 
+#include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
 #include "app/readers/qv_glazing_json.h"
 #include "app/readers/qv_glazing_notation.h"
@@ -19,14 +19,12 @@ int run_glazing(const std::string& layers) {
 
 }  // namespace
 
-void qv_add_glazing_command(CLI::App& program, qv_command_action& action) {
+void qv_add_glazing_command(qv_command& program) {
   const auto layers = std::make_shared<std::string>();
-  CLI::App* command = program.add_subcommand(
+  qv_command& command = program.add_command(
       "glazing", "Work out a glazing: U, solar factor, light, and every step to them");
-  command->add_option("LAYERS", *layers, "Layers from outside to inside, or a .json file of them")
-      ->required()
-      ->option_text(" ");
-  command->footer(
+  command.add_argument("LAYERS", "Layers from outside to inside, or a .json file of them", *layers);
+  command.set_footer(
       "Layers are separated by \"/\", each a thickness in mm and what it is:\n"
       "  4   6 clear   4 low-e   6 sun-control   a pane; a coating may say front, back or both\n"
       "  16 air   16 argon 90%   10 krypton      a gap of air, argon, krypton, xenon or sf6\n"
@@ -35,10 +33,7 @@ void qv_add_glazing_command(CLI::App& program, qv_command_action& action) {
       "  qv glazing \"4 low-e / 16 argon / 4\"\n"
       "  qv glazing \"6 sun-control / 14 argon 90% / 4 / 14 argon 90% / 4 low-e\"\n"
       "  qv glazing window.json");
-  command->callback([&action, layers] {
-    if (layers->empty()) throw CLI::ValidationError("LAYERS is empty");
-    action = [layers] { return run_glazing(*layers); };
-  });
+  command.set_action([layers] { return run_glazing(*layers); });
 }
 
 }  // namespace qv

@@ -1,27 +1,22 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 
+#include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
 
 namespace qv {
 
-void qv_add_help_command(CLI::App& program, qv_command_action& action) {
+void qv_add_help_command(qv_command& program) {
   const auto topic = std::make_shared<std::string>();
-  CLI::App* command = program.add_subcommand("help", "Explain the program or one of its commands");
-  command->add_option("COMMAND", *topic, "The command to explain")->option_text(" ");
-  command->footer("Examples:\n  qv help\n  qv help study");
-  command->callback([&program, &action, topic] {
-    const CLI::App* explained = &program;
-    if (!topic->empty()) {
-      const auto named = program.get_subcommands(
-          [&topic](const CLI::App* known) { return known->get_name() == *topic; });
-      if (named.empty()) throw CLI::ValidationError("there is no command \"" + *topic + "\"");
-      explained = named.front();
-    }
-    action = [explained] {
-      qv_print(qv_help_text(*explained));
-      return qv_exit_success;
-    };
+  qv_command& command = program.add_command("help", "Explain the program or one of its commands");
+  command.add_further_argument("COMMAND", "The command to explain", *topic);
+  command.set_footer("Examples:\n  qv help\n  qv help study");
+  command.set_check([&program, topic]() -> std::string {
+    if (topic->empty() || program.find_command(*topic) != nullptr) return {};
+    return "there is no command \"" + *topic + "\"";
+  });
+  command.set_action([&program, topic] {
+    qv_print((topic->empty() ? program : *program.find_command(*topic)).get_help());
+    return qv_exit_success;
   });
 }
 

@@ -1,9 +1,9 @@
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 
+#include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
 #include "app/commands/qv_progress.h"
 #include "app/readers/qv_gbxml_reader.h"
@@ -87,16 +87,13 @@ int run_info(const std::string& path) {
 
 }  // namespace
 
-void qv_add_info_command(CLI::App& program, qv_command_action& action) {
+void qv_add_info_command(qv_command& program) {
   const auto model = std::make_shared<std::string>();
-  CLI::App* command =
-      program.add_subcommand("info", "Say what a gbXML model holds, without studying it");
-  command->add_option("MODEL", *model, "The model, a gbXML file")->required()->option_text(" ");
-  command->footer("Example:\n  qv info house.xml");
-  command->callback([&action, model] {
-    if (model->empty()) throw CLI::ValidationError("MODEL is an empty name");
-    action = [model] { return run_info(*model); };
-  });
+  qv_command& command =
+      program.add_command("info", "Say what a gbXML model holds, without studying it");
+  command.add_model(*model);
+  command.set_footer("Example:\n  qv info house.xml");
+  command.set_action([model] { return run_info(*model); });
 }
 
 }  // namespace qv

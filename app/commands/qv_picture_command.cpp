@@ -1,11 +1,9 @@
-#include <CLI/CLI.hpp>
 #include <array>
 #include <charconv>
-#include <cmath>
-#include <filesystem>
+#include <limits>
 #include <memory>
-#include <utility>
 
+#include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
 #include "app/commands/qv_context_option.h"
 #include "app/commands/qv_progress.h"
@@ -24,18 +22,15 @@ namespace {
 struct picture_arguments {
   std::string model;
   std::string file;
-  std::string view = "iso";
-  std::string color = "contact-type";
   std::vector<std::string> selected;
   std::string hovered;
-  int storey = -1;
-  std::string size = "1280x800";
   bool no_legend = false;
   std::optional<double> north;
   qv_context_options context;
+  qv_picture_options picture;
 };
 
-constexpr std::array<std::pair<const char*, qv_picture_view>, 7> views = {
+constexpr std::array<qv_choice<qv_picture_view>, 7> views = {
     {{"iso", qv_picture_view::iso},
      {"north", qv_picture_view::north},
      {"east", qv_picture_view::east},
@@ -44,7 +39,7 @@ constexpr std::array<std::pair<const char*, qv_picture_view>, 7> views = {
      {"plan", qv_picture_view::plan},
      {"perspective", qv_picture_view::perspective}}};
 
-constexpr std::array<std::pair<const char*, qv_picture_color>, 7> colors = {
+constexpr std::array<qv_choice<qv_picture_color>, 7> colors = {
     {{"contact-type", qv_picture_color::contact_type},
      {"u", qv_picture_color::u},
      {"zone", qv_picture_color::zone},
@@ -52,28 +47,6 @@ constexpr std::array<std::pair<const char*, qv_picture_color>, 7> colors = {
      {"type", qv_picture_color::type},
      {"material", qv_picture_color::material},
      {"thermal-bridges", qv_picture_color::thermal_bridges}}};
-
-// The value of a word that stands in the table.
-template <class Table>
-auto value_of(const Table& table, const std::string& word) {
-  for (const auto& [name, value] : table)
-    if (word == name) return value;
-  return table.front().second;
-}
-
-template <class Table>
-std::vector<std::string> words_of(const Table& table) {
-  std::vector<std::string> words;
-  words.reserve(table.size());
-  for (const auto& entry : table) words.emplace_back(entry.first);
-  return words;
-}
-
-std::string join(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : "|") + word;
-  return text;
-}
 
 // Understands "1280x800".
 bool read_size(const std::string& text, int& width, int& height) {
@@ -84,7 +57,8 @@ bool read_size(const std::string& text, int& width, int& height) {
   return second.ec == std::errc() && second.ptr == end;
 }
 
-std::string complaint_about_size(const std::string& text) {
+// Puts the size into the options; says what is wrong with it.
+std::string take_size(const std::string& text, qv_picture_options& options) {
   int width = 0;
   int height = 0;
   if (!read_size(text, width, height))
@@ -99,6 +73,8 @@ std::string complaint_about_size(const std::string& text) {
   if (width * height > qv_frame_buffer::largest_count)
     return "\"" + text + "\" has more than " + std::to_string(qv_frame_buffer::largest_count) +
            " pixels";
+  options.width = width;
+  options.height = height;
   return {};
 }
 
@@ -125,28 +101,15 @@ void hover(qv_item& item) {
     if (face != nullptr) face->set_mouseover(true);
 }
 
-qv_picture_options options_of(const picture_arguments& arguments) {
-  qv_picture_options options;
-  options.view = value_of(views, arguments.view);
-  options.color = value_of(colors, arguments.color);
-  if (arguments.storey >= 0) options.storey = arguments.storey;
-  options.with_key = !arguments.no_legend;
-  read_size(arguments.size, options.width, options.height);
-  return options;
-}
-
 int run_picture(const picture_arguments& arguments) {
-  const std::filesystem::path file = arguments.file;
   // Before the work, so that a wrong place, or a machine that cannot draw, is told at once.
-  qv_output_folder folder(file.has_parent_path() ? file.parent_path() : ".");
+  qv_output_file file(arguments.file);
   qv_picture_maker maker;
   qv_picture picture;
   std::vector<std::string> context_notes;
   {
     qv_progress progress;
-    const auto announce = [&progress](int step, int count, const char* what) {
-      progress.begin_step(step, count, what);
-    };
+    const auto announce = progress.get_announcer();
     announce(1, 5, "reading the model");
     qv_gbxml_model model = qv_read_gbxml(arguments.model);
     context_notes = qv_add_context(model, arguments.context);
@@ -160,10 +123,10 @@ int run_picture(const picture_arguments& arguments) {
     for (const std::string& id : arguments.selected)
       find_item(subject, id, arguments.model).set_selected(true);
     if (!arguments.hovered.empty()) hover(find_item(subject, arguments.hovered, arguments.model));
-    picture = maker.draw(subject, options_of(arguments), arguments.model);
-    folder.stage(file.filename().string(), qv_encode_png(picture.pixels));
+    picture = maker.draw(subject, arguments.picture, arguments.model);
+    file.stage(qv_encode_png(picture.pixels));
   }
-  folder.commit();
+  file.commit();
   qv_print_notes(context_notes);
   std::string text;
   for (const std::string& note : picture.notes) text += "Note: " + note + "\n";
@@ -173,64 +136,45 @@ int run_picture(const picture_arguments& arguments) {
 
 }  // namespace
 
-void qv_add_picture_command(CLI::App& program, qv_command_action& action) {
+void qv_add_picture_command(qv_command& program) {
   const auto arguments = std::make_shared<picture_arguments>();
-  CLI::App* command = program.add_subcommand("picture", "Draw a picture of a gbXML model");
-  command->add_option("MODEL", arguments->model, "The model, a gbXML file")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--out", arguments->file, "The picture to write, a PNG file")
-      ->required()
-      ->option_text("FILE");
-  command
-      ->add_option("--view", arguments->view,
-                   "Whence: from the south-west, square to a side of the model,\n"
-                   "from above; with --storey, plan is cut through its rooms")
-      ->check(CLI::IsMember(words_of(views)))
-      ->option_text(join(words_of(views)));
-  command
-      ->add_option("--color", arguments->color,
-                   "What the colours tell: what walls separate, U values, the zone\n"
-                   "or storey of the room behind, the type of element, its composition,\n"
-                   "or thermal bridges as lines over a pale model")
-      ->check(CLI::IsMember(words_of(colors)))
-      ->option_text(join(words_of(colors)));
-  command
-      ->add_option("--select", arguments->selected,
-                   "Show these as selected: walls, openings, rooms, zones, buildings,\n"
-                   "compositions, thermal bridges, … by id")
-      ->option_text("ID…");
-  command->add_option("--hover", arguments->hovered, "Show this as under the pointer")
-      ->option_text("ID");
-  command
-      ->add_option("--storey", arguments->storey,
-                   "Only the rooms of this storey, from 0 at the bottom,\n"
-                   "without what lies over them")
-      ->check(CLI::NonNegativeNumber)
-      ->option_text("N");
-  command->add_option("--size", arguments->size, "In pixels; 1280x800 unless given")
-      ->check(complaint_about_size)
-      ->option_text("WxH");
-  command->add_flag("--no-legend", arguments->no_legend, "Leave out title and legend");
-  command
-      ->add_option("--north", arguments->north,
-                   "Degrees clockwise from true north of the model's +Y,\n"
-                   "instead of what the file says")
-      ->option_text("ANGLE");
-  qv_add_context_options(*command, arguments->context);
-  command->footer(
+  qv_picture_options& picture = arguments->picture;
+  qv_command& command = program.add_command("picture", "Draw a picture of a gbXML model");
+  command.add_model(arguments->model);
+  command.add_out_file("The picture to write, a PNG file", arguments->file);
+  command.add_choice("--view",
+                     "Whence: from the south-west, square to a side of the model,\n"
+                     "from above; with --storey, plan is cut through its rooms",
+                     views, picture.view);
+  command.add_choice("--color",
+                     "What the colours tell: what walls separate, U values, the zone\n"
+                     "or storey of the room behind, the type of element, its composition,\n"
+                     "or thermal bridges as lines over a pale model",
+                     colors, picture.color);
+  command.add_list_option({"--select", "ID…",
+                           "Show these as selected: walls, openings, rooms, zones, buildings,\n"
+                           "compositions, thermal bridges, … by id"},
+                          arguments->selected);
+  command.add_option({"--hover", "ID", "Show this as under the pointer"}, arguments->hovered);
+  command.add_number_option({"--storey", "N",
+                             "Only the rooms of this storey, from 0 at the bottom,\n"
+                             "without what lies over them"},
+                            0, std::numeric_limits<int>::max(), "storey; the lowest is 0",
+                            picture.storey);
+  command.add_option({"--size", "WxH", "In pixels; 1280x800 unless given"},
+                     [&picture](const std::string& text) { return take_size(text, picture); });
+  command.add_flag("--no-legend", "Leave out title and legend", arguments->no_legend);
+  command.add_north(arguments->north);
+  qv_add_context_options(command, arguments->context);
+  command.set_footer(
       "Examples:\n"
       "  qv picture house.xml --out house.png\n"
       "  qv picture house.xml --out south.png --view south --color u\n"
       "  qv picture house.xml --out plan.png --view plan --storey 0 --color zone\n"
       "  qv picture house.xml --out wall.png --select su-12 --hover op-3");
-  command->callback([&action, arguments] {
-    if (arguments->model.empty()) throw CLI::ValidationError("MODEL is an empty name");
-    if (std::filesystem::path(arguments->file).filename().empty())
-      throw CLI::ValidationError("--out is no name of a file");
-    if (arguments->north && !std::isfinite(*arguments->north))
-      throw CLI::ValidationError("--north is no angle");
-    action = [arguments] { return run_picture(*arguments); };
+  command.set_action([arguments] {
+    arguments->picture.with_key = !arguments->no_legend;
+    return run_picture(*arguments);
   });
 }
 

@@ -45,6 +45,10 @@ void qv_progress::begin_step(int step, int count, const std::string& what) {
   }
 }
 
+std::function<void(int, int, const char*)> qv_progress::get_announcer() {
+  return [this](int step, int count, const char* what) { begin_step(step, count, what); };
+}
+
 void qv_progress::advance(std::size_t done, std::size_t count) {
   const auto now = std::chrono::steady_clock::now();
   const auto pause = terminal_ ? redraw_pause : line_pause;

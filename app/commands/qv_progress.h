@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
 
 namespace qv {
@@ -18,6 +19,9 @@ class qv_progress {
 
   /// Step `step` of `count` (from 1) begins.
   void begin_step(int step, int count, const std::string& what);
+
+  /// A function that begins a step, for work that tells its steps.
+  std::function<void(int step, int count, const char* what)> get_announcer();
 
   /// Of the step that began last, `done` of `count` equal parts are done: the bar moves on and says
   /// how much time is left, by the time of the parts so far. Elsewhere than on a terminal a line

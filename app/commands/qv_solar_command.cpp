@@ -1,8 +1,8 @@
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
+#include "app/commands/qv_command_line.h"
 #include "app/commands/qv_context_option.h"
 #include "app/commands/qv_interrupt.h"
 #include "app/commands/qv_progress.h"
@@ -44,10 +44,7 @@ int run_solar(const solar_arguments& arguments) {
     qv_progress progress;
     qv_study_options options = arguments.study;
     options.solar_progress = qv_show_solar_progress(progress);
-    study = qv_run_study(options, [&progress](int step, int count, const char* what) {
-      if (qv_interrupt::is_requested()) throw qv_interrupted();
-      progress.begin_step(step, count, what);
-    });
+    study = qv_run_study(options, qv_show_study_progress(progress));
   }
   qv_print_notes(study.context_notes);
   const qv_surface_sun* sun = find_sun(study, id);
@@ -65,32 +62,23 @@ int run_solar(const solar_arguments& arguments) {
 
 }  // namespace
 
-void qv_add_solar_command(CLI::App& program, qv_command_action& action) {
+void qv_add_solar_command(qv_command& program) {
   const auto arguments = std::make_shared<solar_arguments>();
   qv_solar_options& solar = arguments->study.solar;
   solar.wanted = true;
   solar.keep_hours = true;
-  CLI::App* command =
-      program.add_subcommand("solar", "Print what one wall or opening receives of the sun");
-  command->add_option("MODEL", arguments->study.model, "The model, a gbXML file")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--surface", solar.only, "Id of the wall or opening")
-      ->required()
-      ->option_text("ID");
-  qv_add_context_options(*command, arguments->study.context);
-  qv_add_solar_options(*command, solar);
-  command->add_flag("--hourly", arguments->hourly, "Every hour (CSV) instead of the months");
-  command->footer(
+  qv_command& command =
+      program.add_command("solar", "Print what one wall or opening receives of the sun");
+  command.add_model(arguments->study.model);
+  command.add_required_option({"--surface", "ID", "Id of the wall or opening"}, solar.only);
+  qv_add_context_options(command, arguments->study.context);
+  qv_add_solar_options(command, solar);
+  command.add_flag("--hourly", "Every hour (CSV) instead of the months", arguments->hourly);
+  command.set_footer(
       "Examples:\n"
       "  qv solar house.xml --surface su-06\n"
       "  qv solar house.xml --weather lyon.epw --surface su-06 --hourly > hours.csv");
-  command->callback([&action, arguments] {
-    if (arguments->study.model.empty()) throw CLI::ValidationError("MODEL is an empty name");
-    if (arguments->study.solar.only.empty())
-      throw CLI::ValidationError("--surface is an empty name");
-    action = [arguments] { return run_solar(*arguments); };
-  });
+  command.set_action([arguments] { return run_solar(*arguments); });
 }
 
 }  // namespace qv

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/commands/qv_commands.h"
-#include "app/study/qv_study_sun.h"
+#include "app/study/qv_study.h"
 
 namespace qv {
 
@@ -11,10 +11,14 @@ class qv_progress;
 inline constexpr int qv_exit_interrupted = 130;
 
 /// `solar MODEL --surface ID [--weather FILE] [--hourly]`
-void qv_add_solar_command(CLI::App& program, qv_command_action& action);
+void qv_add_solar_command(qv_command& program);
 
 /// `--weather FILE`, `--quality draft|normal|fine`, `--reflexions N`.
-void qv_add_solar_options(CLI::App& command, qv_solar_options& options);
+void qv_add_solar_options(qv_command& command, qv_solar_options& options);
+
+/// Shows which step of a study begins, and throws `qv_interrupted` when the user asks to stop
+/// (while a `qv_interrupt` lives).
+qv_study_progress qv_show_study_progress(qv_progress& progress);
 
 /// Shows how far the sun is, and stops it when the user asks to (while a `qv_interrupt` lives).
 qv_solar_progress qv_show_solar_progress(qv_progress& progress);

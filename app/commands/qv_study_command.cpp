@@ -1,9 +1,7 @@
-#include <CLI/CLI.hpp>
-#include <cmath>
-#include <filesystem>
 #include <memory>
 #include <optional>
 
+#include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
 #include "app/commands/qv_context_option.h"
 #include "app/commands/qv_interrupt.h"
@@ -35,10 +33,7 @@ struct study_arguments {
 qv_study_results study_with_progress(qv_study_options options) {
   qv_progress progress;
   options.solar_progress = qv_show_solar_progress(progress);
-  return qv_run_study(options, [&progress](int step, int count, const char* what) {
-    if (qv_interrupt::is_requested()) throw qv_interrupted();
-    progress.begin_step(step, count, what);
-  });
+  return qv_run_study(options, qv_show_study_progress(progress));
 }
 
 // The end of the line that lists what was written, and the notes.
@@ -62,14 +57,10 @@ int run_study(const study_arguments& arguments) {
   }
   // Before the work, so that a wrong folder is told at once.
   qv_output_folder folder(arguments.folder);
-  const std::filesystem::path hourly_file = arguments.hourly;
-  std::optional<qv_output_folder> hourly_folder;
-  if (!arguments.hourly.empty()) {
-    const auto parent = hourly_file.parent_path();
-    hourly_folder.emplace(parent.empty() ? std::filesystem::path(".") : parent);
-  }
+  std::optional<qv_output_file> hourly_file;
+  if (!arguments.hourly.empty()) hourly_file.emplace(arguments.hourly);
   options.solar.wanted = !arguments.no_solar;
-  options.solar.keep_hours = hourly_folder.has_value();
+  options.solar.keep_hours = hourly_file.has_value();
   qv_study_pictures pictures;
   if (!arguments.no_pictures) {
     options.visit = [&pictures](const qv_gbxml_model& model, const qv_study_results& found) {
@@ -90,28 +81,23 @@ int run_study(const study_arguments& arguments) {
     for (const auto& [name, png] : pictures.files) picture_folder->stage(name, png);
     picture_folder->commit();
   }
-  if (hourly_folder) {
-    hourly_folder->stage(hourly_file.filename().string(), qv_hourly_csv(study));
-    hourly_folder->commit();
+  if (hourly_file) {
+    hourly_file->stage(qv_hourly_csv(study));
+    hourly_file->commit();
   }
   folder.commit();
   qv_print(qv_study_summary(study) + "\nWritten to " + arguments.folder +
            ": study.json, model.json, spaces.csv, walls.csv, openings.csv, thermal_bridges.csv" +
            (options.solar.wanted ? ", solar.csv" : "") + told_of(pictures) +
-           (hourly_folder ? "Hours of every surface in " + arguments.hourly + '\n' : ""));
+           (hourly_file ? "Hours of every surface in " + arguments.hourly + '\n' : ""));
   return qv_exit_success;
 }
 
 // --glazing-ratio, and one option for each orientation.
-void add_glazing_ratios(CLI::App& command, qv_glazing_ratios& ratios) {
+void add_glazing_ratios(qv_command& command, qv_glazing_ratios& ratios) {
   const auto add = [&](const std::string& name, std::optional<double>& ratio,
                        const std::string& words) {
-    command.add_option(name, ratio, words)->option_text("R")->check([](const std::string& text) {
-      constexpr double largest = 0.99;
-      double value = 0;
-      const bool fits = CLI::detail::lexical_cast(text, value) && value >= 0 && value <= largest;
-      return fits ? std::string() : "\"" + text + "\" is no share between 0 and 0.99";
-    });
+    command.add_number_option({name, "R", words}, 0.0, 0.99, "share between 0 and 0.99", ratio);
   };
   add("--glazing-ratio", ratios.all,
       "Give outer walls without openings one that takes this\nshare of the wall, 0 to 0.99");
@@ -124,46 +110,37 @@ void add_glazing_ratios(CLI::App& command, qv_glazing_ratios& ratios) {
 
 }  // namespace
 
-void qv_add_study_command(CLI::App& program, qv_command_action& action) {
+void qv_add_study_command(qv_command& program) {
   const auto arguments = std::make_shared<study_arguments>();
-  CLI::App* command = program.add_subcommand(
-      "study", "Study a gbXML model: areas, volumes, storeys, walls, U values");
-  command->add_option("MODEL", arguments->study.model, "The model, a gbXML file")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--out", arguments->folder, "Folder for the results; made when missing")
-      ->required()
-      ->option_text("DIR");
-  command->add_flag("--regroup", arguments->study.regroup,
-                    "Group the spaces into buildings by the walls they share,\n"
-                    "also when the file has buildings of its own");
-  command->add_flag("--rename-spaces", arguments->study.rename_spaces,
-                    "Name the spaces by building and rank where they are grouped");
-  add_glazing_ratios(*command, arguments->study.glazing_ratios);
-  command
-      ->add_option("--configuration", arguments->configuration,
-                   "Compositions and ψ of another model, as `qv configure save`\n"
-                   "keeps them, in place of this one's")
-      ->option_text("FILE");
-  command
-      ->add_option("--north", arguments->study.north,
-                   "Degrees clockwise from true north of the model's +Y,\n"
-                   "instead of what the file says")
-      ->option_text("ANGLE");
-  command
-      ->add_option("--psi", arguments->psi,
-                   "Catalogue of ψ values for the thermal bridges,\n"
-                   "JSON or CSV; indicative values without")
-      ->option_text("FILE");
-  qv_add_context_options(*command, arguments->study.context);
-  qv_add_solar_options(*command, arguments->study.solar);
-  command->add_flag("--no-solar", arguments->no_solar, "Leave out the sun");
-  command->add_flag("--no-pictures", arguments->no_pictures, "Leave out the pictures");
-  command
-      ->add_option("--hourly", arguments->hourly,
-                   "Every hour of every surface into this file (CSV)")
-      ->option_text("FILE");
-  command->footer(
+  qv_study_options& study = arguments->study;
+  qv_command& command =
+      program.add_command("study", "Study a gbXML model: areas, volumes, storeys, walls, U values");
+  command.add_model(study.model);
+  command.add_required_option({"--out", "DIR", "Folder for the results; made when missing"},
+                              arguments->folder);
+  command.add_flag("--regroup",
+                   "Group the spaces into buildings by the walls they share,\n"
+                   "also when the file has buildings of its own",
+                   study.regroup);
+  command.add_flag("--rename-spaces", "Name the spaces by building and rank where they are grouped",
+                   study.rename_spaces);
+  add_glazing_ratios(command, study.glazing_ratios);
+  command.add_option({"--configuration", "FILE",
+                      "Compositions and ψ of another model, as `qv configure save`\n"
+                      "keeps them, in place of this one's"},
+                     arguments->configuration);
+  command.add_north(study.north);
+  command.add_option({"--psi", "FILE",
+                      "Catalogue of ψ values for the thermal bridges,\n"
+                      "JSON or CSV; indicative values without"},
+                     arguments->psi);
+  qv_add_context_options(command, study.context);
+  qv_add_solar_options(command, study.solar);
+  command.add_flag("--no-solar", "Leave out the sun", arguments->no_solar);
+  command.add_flag("--no-pictures", "Leave out the pictures", arguments->no_pictures);
+  command.add_option({"--hourly", "FILE", "Every hour of every surface into this file (CSV)"},
+                     arguments->hourly);
+  command.set_footer(
       "Writes study.json, model.json, spaces.csv, walls.csv, openings.csv, thermal_bridges.csv\n"
       "and solar.csv into DIR, all or none, pictures into DIR/pictures, and prints a summary.\n\n"
       "Examples:\n"
@@ -172,15 +149,11 @@ void qv_add_study_command(CLI::App& program, qv_command_action& action) {
       "  qv study house.xml --out results --weather lyon.epw --quality fine\n"
       "  qv study campus.xml --out results --regroup --rename-spaces\n"
       "  qv study block.xml --out results --glazing-ratio 0.25 --glazing-ratio-south 0.4");
-  command->callback([&action, arguments] {
-    if (arguments->study.north && !std::isfinite(*arguments->study.north))
-      throw CLI::ValidationError("--north is no angle");
-    if (arguments->study.model.empty()) throw CLI::ValidationError("MODEL is an empty name");
-    if (arguments->folder.empty()) throw CLI::ValidationError("--out is an empty name");
-    if (arguments->no_solar && !arguments->hourly.empty())
-      throw CLI::ValidationError("--hourly has nothing to write with --no-solar");
-    action = [arguments] { return run_study(*arguments); };
+  command.set_check([arguments]() -> std::string {
+    const bool idle = arguments->no_solar && !arguments->hourly.empty();
+    return idle ? "--hourly has nothing to write with --no-solar" : "";
   });
+  command.set_action([arguments] { return run_study(*arguments); });
 }
 
 }  // namespace qv

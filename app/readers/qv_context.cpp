@@ -93,11 +93,9 @@ class context_builder {
     losses lost;
     std::size_t dropped = 0;
     const std::size_t first_entry = model_.ledger.get_entries().size();
-    double area = 0;
     for (const qv_file_object& object : file.objects) {
       const placed_mesh placed = place(file.meshes[object.mesh], object);
       lost.add(placed.lost);
-      area += placed.area;
       if (placed.triangles.is_empty()) {
         ++dropped;
         account(object.name, outcome::dropped, placed.lost.words(), 0);

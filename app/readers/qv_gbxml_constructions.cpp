@@ -38,10 +38,6 @@ std::string key_of(std::initializer_list<std::optional<double>> values) {
   return key;
 }
 
-std::string quoted(std::string_view id) {
-  return "\"" + qv::qv_one_line(std::string(id), 80) + "\"";
-}
-
 std::string name_or_id(qv::qv_xml_element element) {
   const std::string_view name = element.get_child_text("Name");
   return std::string(name.empty() ? element.get_attribute("id") : name);
@@ -128,7 +124,7 @@ int qv_gbxml_constructions::share_material(material m) {
   if (!fresh) {
     const material& first = materials_[static_cast<std::size_t>(slot->second)];
     context_.get_ledger().amend(m.entry, outcome::merged,
-                                "the same as Material " + quoted(first.id));
+                                "the same as Material " + qv_quoted_id(first.id));
     return slot->second;
   }
   materials_.push_back(std::move(m));
@@ -148,7 +144,7 @@ void qv_gbxml_constructions::read_layer(qv_xml_element element) {
       l.materials.push_back(found->second);
     } else {
       ledger.amend(l.entry, outcome::repaired,
-                   "Material " + quoted(reference) + " is not in the file");
+                   "Material " + qv_quoted_id(reference) + " is not in the file");
     }
   }
   if (l.materials.empty()) ledger.amend(l.entry, outcome::repaired, "it has no material");
@@ -176,7 +172,7 @@ void qv_gbxml_constructions::read_construction(qv_xml_element element) {
     const auto found = layer_by_id_.find(reference);
     if (found == layer_by_id_.end()) {
       ledger.amend(c.entry, outcome::repaired,
-                   "Layer " + quoted(reference) + " is not in the file");
+                   "Layer " + qv_quoted_id(reference) + " is not in the file");
       continue;
     }
     layer& l = layers_[static_cast<std::size_t>(found->second)];
@@ -253,7 +249,7 @@ void qv_gbxml_constructions::share_construction(int number) {
   context_.get_ledger().amend(
       c.entry, outcome::merged,
       "the same as Construction " +
-          quoted(constructions_[static_cast<std::size_t>(slot->second)].id));
+          qv_quoted_id(constructions_[static_cast<std::size_t>(slot->second)].id));
 }
 
 int qv_gbxml_constructions::find(std::string_view id) const {

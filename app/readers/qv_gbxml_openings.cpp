@@ -25,10 +25,6 @@ namespace limits = qv::polygon_limits;
 // Of a rectangle's area; a place that holds less of it is not the one that is meant.
 constexpr double nearly_all = 0.99;
 
-std::string quoted(std::string_view id) {
-  return "\"" + qv::qv_one_line(std::string(id), 80) + "\"";
-}
-
 std::string millimetres(double distance) {
   std::array<char, 40> text{};
   std::snprintf(text.data(), text.size(), "%.0f mm", distance * 1000);
@@ -154,9 +150,9 @@ void qv_gbxml_openings::read_type(qv_xml_element element, opening& o) {
   bool guessed = false;
   o.type = qv_find_opening_type(text, guessed);
   if (guessed)
-    context_.get_ledger().amend(
-        o.entry, outcome::repaired,
-        "openingType " + quoted(text) + " is none; read as " + qv_get_opening_type_name(o.type));
+    context_.get_ledger().amend(o.entry, outcome::repaired,
+                                "openingType " + qv_quoted_id(text) + " is none; read as " +
+                                    qv_get_opening_type_name(o.type));
 }
 
 void qv_gbxml_openings::read_polygon(qv_xml_element element, opening& o) {
@@ -251,7 +247,7 @@ void qv_gbxml_openings::merge_same(std::vector<std::size_t>& numbers) {
     if (!later.id.empty() && later.id != earlier.id) earlier.merged_ids.push_back(later.id);
     context_.get_ledger().amend(
         later.entry, outcome::merged,
-        "said twice: Opening " + quoted(earlier.id) + " of the same wall stands for both");
+        "said twice: Opening " + qv_quoted_id(earlier.id) + " of the same wall stands for both");
   }
   numbers = std::move(kept);
 }
@@ -320,7 +316,7 @@ void qv_gbxml_openings::settle(opening& o, const loss& lost) {
   const std::string holders = [&] {
     std::string words;
     for (const std::size_t number : lost.covered_by) {
-      const std::string holder = quoted(openings_[number].id);
+      const std::string holder = qv_quoted_id(openings_[number].id);
       if (words.find(holder) == std::string::npos) words += (words.empty() ? "" : ", ") + holder;
     }
     return words;

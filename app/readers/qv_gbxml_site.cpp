@@ -26,10 +26,6 @@ std::string name_or(qv_xml_element element, const std::string& otherwise) {
   return name.empty() ? otherwise : std::string(name);
 }
 
-std::string quoted(std::string_view id) {
-  return "\"" + qv::qv_one_line(std::string(id), 80) + "\"";
-}
-
 }  // namespace
 
 namespace qv {
@@ -207,7 +203,8 @@ void qv_gbxml_site::link_zones() {
       s.zone = found->second;
       named[static_cast<std::size_t>(s.zone)] = 1;
     } else if (!reference.empty()) {
-      ledger.amend(s.entry, outcome::repaired, "Zone " + quoted(reference) + " is not in the file");
+      ledger.amend(s.entry, outcome::repaired,
+                   "Zone " + qv_quoted_id(reference) + " is not in the file");
     }
     ledger.amend(s.entry, outcome::kept, s.zone < 0 ? "in no zone of the file" : "");
   }

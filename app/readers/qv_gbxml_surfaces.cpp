@@ -21,10 +21,6 @@ using flaw = qv::qv_source_flaw::kind;
 // m; farther out neighbouring floats lie more than 0.1 mm apart.
 constexpr double largest_distance = 1500;
 
-std::string quoted(std::string_view id) {
-  return "\"" + qv::qv_one_line(std::string(id), 80) + "\"";
-}
-
 double median(std::vector<double>& values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::nth_element(values.begin(), middle, values.end());
@@ -140,7 +136,7 @@ void qv_gbxml_surfaces::read_surface(const qv_gbxml_site::surface_place& place,
   surface.type = qv_find_surface_type(parts.type, guessed);
   if (guessed || surface.type == qv_surface_type::unknown)
     ledger.amend(surface.entry, outcome::repaired,
-                 "surfaceType " + quoted(parts.type) + " is none; " +
+                 "surfaceType " + qv_quoted_id(parts.type) + " is none; " +
                      (guessed ? std::string("read as ") + qv_get_surface_type_name(surface.type)
                               : "its spaces and slope decide"));
   find_spaces(surface, parts.spaces);
@@ -194,7 +190,7 @@ void qv_gbxml_surfaces::find_spaces(qv_gbxml_surface& surface,
       found.push_back(space);
     } else {
       ledger.amend(surface.entry, outcome::repaired,
-                   "Space " + quoted(reference) + " is not in the file");
+                   "Space " + qv_quoted_id(reference) + " is not in the file");
     }
   }
   if (found.empty()) {
@@ -228,7 +224,7 @@ void qv_gbxml_surfaces::find_construction(qv_gbxml_surface& surface, std::string
   surface.construction = constructions_.find(reference);
   if (surface.construction < 0)
     context_.get_ledger().amend(surface.entry, outcome::repaired,
-                                "Construction " + quoted(reference) + " is not in the file");
+                                "Construction " + qv_quoted_id(reference) + " is not in the file");
 }
 
 void qv_gbxml_surfaces::bring_to_origin() {
@@ -314,10 +310,11 @@ bool qv_gbxml_surfaces::merge(qv_gbxml_surface& first, int first_number, qv_gbxm
 
   qv_import_ledger& ledger = context_.get_ledger();
   ledger.amend(second.entry, outcome::merged,
-               "listed twice: the wall of Surface " + quoted(first.id) + " stands for both");
+               "listed twice: the wall of Surface " + qv_quoted_id(first.id) + " stands for both");
   if (spaces.size() == 2 && first.get_space_count() == 1) {
     first.spaces = {spaces[0], spaces[1]};
-    ledger.amend(first.entry, outcome::repaired, "its other side is Surface " + quoted(second.id));
+    ledger.amend(first.entry, outcome::repaired,
+                 "its other side is Surface " + qv_quoted_id(second.id));
   }
   if (first.construction < 0) first.construction = second.construction;
   if (!second.id.empty() && second.id != first.id) first.merged_ids.push_back(second.id);

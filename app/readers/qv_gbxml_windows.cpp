@@ -25,10 +25,6 @@ constexpr double noted_difference = 0.1;
 // Of a stated U; what a pane made from it may miss it by.
 constexpr double reached = 1e-3;
 
-std::string quoted(std::string_view id) {
-  return "\"" + qv::qv_one_line(std::string(id), 80) + "\"";
-}
-
 std::string with_digits(double value) {
   std::array<char, 40> text{};
   std::snprintf(text.data(), text.size(), "%.3g", value);
@@ -117,7 +113,7 @@ void qv_gbxml_windows::read_window_type(qv_xml_element element) {
     w.same_as = same->second;
     context_.get_ledger().amend(
         w.entry, outcome::merged,
-        "the same as WindowType " + quoted(types_[static_cast<std::size_t>(w.same_as)].id));
+        "the same as WindowType " + qv_quoted_id(types_[static_cast<std::size_t>(w.same_as)].id));
   }
   types_.push_back(std::move(w));
 }
@@ -138,7 +134,7 @@ qv_gbxml_windows::filling qv_gbxml_windows::read_filling(qv_xml_element opening,
       f.window_type = found->second;
     } else {
       ledger.amend(entry, outcome::repaired,
-                   "WindowType " + quoted(window) + " is not in the file");
+                   "WindowType " + qv_quoted_id(window) + " is not in the file");
     }
   }
   if (!construction.empty()) {
@@ -147,7 +143,7 @@ qv_gbxml_windows::filling qv_gbxml_windows::read_filling(qv_xml_element opening,
       f.construction = constructions_.get_first_alike(f.construction);
     } else {
       ledger.amend(entry, outcome::repaired,
-                   "Construction " + quoted(construction) + " is not in the file");
+                   "Construction " + qv_quoted_id(construction) + " is not in the file");
     }
   }
   f.own = qv_read_opening_figures(context_, opening);

@@ -54,4 +54,8 @@ std::string qv_one_line(const std::string& text, std::size_t largest_length) {
   return line;
 }
 
+std::string qv_quoted_id(std::string_view id) {
+  return "\"" + qv_one_line(std::string(id), 80) + "\"";
+}
+
 }  // namespace qv

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace qv {
 
@@ -54,5 +55,7 @@ std::string qv_describe_place(const qv_input_place& place);
 /// `text` on one line: control characters become spaces, and what is longer than `largest_length`
 /// bytes is cut with "…". For names and ids quoted in messages.
 std::string qv_one_line(const std::string& text, std::size_t largest_length = 200);
+/// An id or name of the file as messages show it: "su-3", on one line, cut after 80 bytes.
+std::string qv_quoted_id(std::string_view id);
 
 }  // namespace qv

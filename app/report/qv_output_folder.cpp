@@ -108,4 +108,8 @@ void qv_output_folder::remove_leftovers() noexcept {
   }
 }
 
+qv_output_file::qv_output_file(const fs::path& path)
+    : folder_(path.has_parent_path() ? path.parent_path() : fs::path(".")),
+      name_(path.filename().string()) {}
+
 }  // namespace qv

@@ -41,4 +41,18 @@ class qv_output_folder {
   bool committed_ = false;
 };
 
+/// The one file that a run writes, whole or not at all; its folder is made where it is missing.
+class qv_output_file {
+ public:
+  /// Makes sure that a file can be made there. Throws `qv_input_error`, of the kind `no_access`.
+  explicit qv_output_file(const std::filesystem::path& path);
+
+  void stage(std::string_view content) { folder_.stage(name_, content); }
+  void commit() { folder_.commit(); }
+
+ private:
+  qv_output_folder folder_;
+  std::string name_;
+};
+
 }  // namespace qv

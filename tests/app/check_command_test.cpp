@@ -88,7 +88,7 @@ TEST_F(check_command, names_each_mistake) {
       {{"check"}, "MODEL is required"},
       {{"check", sample, "--fix"}, "--fix and --out go together"},
       {{"check", sample, "--out", "x.xml"}, "--fix and --out go together"},
-      {{"check", sample, "--format", "yaml"}, "--format is text or json"}};
+      {{"check", sample, "--format", "yaml"}, "--format: \"yaml\" is not text or json"}};
   for (const auto& [words, told] : mistakes) {
     const auto run = qv_run(words);
     EXPECT_EQ(run.exit_code, 2);

@@ -224,7 +224,7 @@ TEST(qv_glazing_command, tells_what_is_wrong_in_one_line) {
     EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 1);
   };
   expect_told({"glazing"}, 2, "LAYERS is required; `qv help glazing` explains");
-  expect_told({"glazing", ""}, 2, "LAYERS is empty");
+  expect_told({"glazing", ""}, 2, "LAYERS is an empty name");
   expect_told({"glazing", "4", "5"}, 2, "unexpected argument \"5\"");
   expect_told({"glazing", "4 / 16 helium / 4"}, 3, "the glazing, layer \"16 helium\"");
   expect_told({"glazing", (place.path() / "none.json").string()}, 4, "there is no such file");

@@ -61,11 +61,12 @@ TEST(qv_picture_command, names_each_mistake_in_the_command_line) {
       {{"--size", "8193x200"}, "each side is 32 to 8192 pixels"},
       {{"--size", "8192x8192"}, "more than 16777216 pixels"},
       {{"--size", "99999999999x200"}, "is no size"},
-      {{"--view", "below"}, "below not in {iso,"},
-      {{"--color", "smell"}, "smell not in {contact-type,"},
-      {{"--storey", "-1"}, "--storey"},
-      {{"--storey", "first"}, "first"},
-      {{"--north", "nan"}, "--north is no angle"},
+      {{"--view", "below"}, "--view: \"below\" is not iso, north"},
+      {{"--color", "smell"}, "--color: \"smell\" is not contact-type, u"},
+      {{"--storey", "-1"}, "--storey: \"-1\" is no storey"},
+      {{"--storey", "1.5"}, "--storey: \"1.5\" is no storey"},
+      {{"--storey", "first"}, "--storey: \"first\" is no storey"},
+      {{"--north", "nan"}, "--north: \"nan\" is no angle"},
   };
   for (const mistake& made : mistakes) {
     SCOPED_TRACE(testing::PrintToString(made.words));
