@@ -266,6 +266,11 @@ double square(double value) {
   return value * value;
 }
 
+/// What a step's mean light counts in the sum over all steps.
+double get_weight(const qv_3dvector& normal, const lit_step& step) {
+  return static_cast<double>(step.irradiation) * normal.dot(step.direction);
+}
+
 pair_sums sample_way(const mirrors& over, const surface_sampler& surface, const qv_3dvector& normal,
                      const lit_step& step, std::int64_t way, int count, step_random random) {
   paired_points points(surface, count, random);
@@ -310,28 +315,31 @@ step_estimates estimate_beam(const light_scene& scene, const surface_sampler& su
   std::vector<pair_sums> sums(front.size());
   qv_ray_packet packet;
   int next = effort.error > 0 ? least_step_samples : step_samples;
-  double weighted_sum = 0;
   for (int done = 0, block = 0; done < step_samples; ++block) {
-    weighted_sum = 0;
-    found.sum_variance = 0;
     const step_random random(effort.seed, block);
     for (std::size_t k = 0; k < front.size(); ++k) {
       const lit_step& step = lit[front[k]];
       sums[k].add(
           sample_step(scene, surface, pool.get(), step, next, random.at_step(step.step), packet));
-      const double weight = step.irradiation * normal.dot(step.direction);
-      weighted_sum += weight * sums[k].get_mean();
-      found.sum_variance += square(weight) * sums[k].get_variance();
     }
     done += next;
-    if (std::sqrt(found.sum_variance) <= effort.error * weighted_sum) break;
+    if (done == step_samples) break;
+    double weighted_sum = 0, variance = 0;
+    for (std::size_t k = 0; k < front.size(); ++k) {
+      const double weight = get_weight(normal, lit[front[k]]);
+      weighted_sum += weight * sums[k].get_mean();
+      variance += square(weight) * sums[k].get_variance();
+    }
+    if (std::sqrt(variance) <= effort.error * weighted_sum) break;
     next = std::min(done, step_samples - done);
   }
 
   for (std::size_t k = 0; k < front.size(); ++k) {
-    const double cosine = normal.dot(lit[front[k]].direction);
+    const lit_step& step = lit[front[k]];
+    const double cosine = normal.dot(step.direction);
     found.means[front[k]] = cosine * sums[k].get_mean();
     found.variances[front[k]] = square(cosine) * sums[k].get_cautious_variance();
+    found.sum_variance += square(get_weight(normal, step)) * sums[k].get_variance();
     found.samples += sums[k].count;
   }
   return found;
