@@ -50,7 +50,7 @@ const CLI::App* chosen_command(const CLI::App& program) {
 std::string describe_mistake(const CLI::App& program, const std::string& first_word,
                              const CLI::ParseError& error) {
   const CLI::App* command = chosen_command(program);
-  const std::string name = program.get_name();
+  const std::string& name = program.get_name();
   if (command != nullptr)
     return fmt::format("{}; `{} help {}` explains", describe_problem(error), name,
                        command->get_name());
