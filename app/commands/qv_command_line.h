@@ -110,6 +110,7 @@ class qv_command {
   template <class Choices>
   static std::vector<std::string> words_of(const Choices& choices) {
     std::vector<std::string> words;
+    words.reserve(choices.size());
     for (const auto& choice : choices) words.emplace_back(choice.word);
     return words;
   }
