@@ -68,8 +68,7 @@ class key_numbers {
   std::vector<int> table_;  // a power of two, at least half of it free (−1)
 };
 
-// The edges of a shell's faces, those along the same line together. Seams along which a single face
-// runs to and fro are no edges.
+// The edges of a shell's faces, those along the same line together.
 class edge_lines {
  public:
   explicit edge_lines(std::size_t expected) : lines_(expected) {
@@ -83,7 +82,24 @@ class edge_lines {
     const std::size_t line = lines_.get_number(static_cast<std::uint64_t>(low) << 32U |
                                                static_cast<std::uint64_t>(high));
     if (line == first_.size()) first_.push_back(-1);
-    add_to(line, {added.face, from < to ? added.direction : -added.direction});
+    entries_.push_back(
+        {{added.face, from < to ? added.direction : -added.direction}, first_[line]});
+    first_[line] = static_cast<int>(entries_.size()) - 1;
+  }
+
+  // Brings the edges along each line in the order of their faces, and takes out the seams along
+  // which a single face runs to and fro.
+  void remove_seams() {
+    std::vector<edge> edges;
+    for (int& first : first_) {
+      if (first < 0 || at(first).next < 0) continue;
+      edges.clear();
+      for (int i = first; i >= 0; i = at(i).next) edges.push_back(at(i).own);
+      std::sort(edges.begin(), edges.end(), [](const edge& a, const edge& b) {
+        return a.face != b.face ? a.face < b.face : a.direction < b.direction;
+      });
+      put_back(without_seams(edges), first);
+    }
   }
 
   std::size_t get_count() const { return first_.size(); }
@@ -115,17 +131,28 @@ class edge_lines {
   entry& at(int i) { return entries_[static_cast<std::size_t>(i)]; }
   const entry& at(int i) const { return entries_[static_cast<std::size_t>(i)]; }
 
-  void add_to(std::size_t line, const edge& added) {
-    int* link = &first_[line];
-    for (; *link >= 0; link = &at(*link).next) {
-      const edge& other = at(*link).own;
-      if (other.face != added.face || other.direction == added.direction) continue;
-      *link = at(*link).next;
-      return;
+  static std::span<const edge> without_seams(std::vector<edge>& sorted) {
+    std::size_t kept = 0;
+    for (const edge next : sorted) {
+      const bool is_seam = kept > 0 && sorted[kept - 1].face == next.face &&
+                           sorted[kept - 1].direction == -next.direction;
+      if (is_seam) {
+        --kept;
+      } else {
+        sorted[kept++] = next;
+      }
     }
-    const int number = static_cast<int>(entries_.size());
-    *link = number;
-    entries_.push_back({added});
+    return std::span<const edge>(sorted).first(kept);
+  }
+
+  // Writes the edges into the entries that begin at `first`, which has as many or more.
+  void put_back(std::span<const edge> edges, int& first) {
+    int* link = &first;
+    for (const edge& e : edges) {
+      at(*link).own = e;
+      link = &at(*link).next;
+    }
+    *link = -1;
   }
 
   key_numbers lines_;
@@ -142,6 +169,7 @@ edge_lines collect_edges(std::span<const qv_shell_face> faces) {
     for (const std::vector<int>& contour : faces[f].polygon->contours)
       for (std::size_t i = 0, before = contour.size() - 1; i < contour.size(); before = i++)
         lines.add(contour[before], contour[i], {static_cast<int>(f), faces[f].side});
+  lines.remove_seams();
   return lines;
 }
 
@@ -253,6 +281,7 @@ void split_open_edges(edge_lines& lines, const std::vector<qv_double3>& points) 
     }
     lines.add(from, high, whole[i]);
   }
+  lines.remove_seams();
 }
 
 edge_lines prepare_edges(std::span<const qv_shell_face> faces,

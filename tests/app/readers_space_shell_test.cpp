@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <ctime>
 #include <deque>
+#include <numbers>
 #include <random>
 
 #include "app/readers/qv_vertex_welder.h"
@@ -165,6 +168,28 @@ TEST(qv_orient_shell, takes_corners_within_a_millimetre_as_one) {
   gaping.add_box({0, 0, 0}, {4, 3, 2}, 0, 1U << 1U);
   gaping.add({{0.01, 0, 2}, {4, 0, 2}, {4, 3, 2}, {0.01, 3, 2}});
   EXPECT_FALSE(gaping.orient().closed);
+}
+
+// Walls like the pages of a book, all along one edge: four hundred times as long for twenty times
+// the pages would keep a senseless model busy for minutes.
+TEST(qv_orient_shell, takes_time_in_proportion_to_the_faces_along_one_edge) {
+  const auto get_seconds = [](int pages) {
+    shell_builder book;
+    for (int i = 0; i < pages; ++i) {
+      const double angle = 2 * std::numbers::pi * i / pages;
+      const double x = 50 * std::cos(angle), y = 50 * std::sin(angle);
+      book.add({{0, 0, 0}, {x, y, 0}, {x, y, 3}, {0, 0, 3}});
+    }
+    double least = 1e9;
+    for (int run = 0; run < 3; ++run) {
+      const std::clock_t start = std::clock();
+      EXPECT_FALSE(book.is_closed());
+      least = std::min(least, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
+    }
+    return least;
+  };
+  const double many = get_seconds(40000), few = get_seconds(2000);
+  EXPECT_LT(many, 40 * few) << few;
 }
 
 TEST(qv_orient_shell, no_faces_enclose_nothing) {
