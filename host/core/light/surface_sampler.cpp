@@ -21,6 +21,7 @@ constexpr int piece_coarseness = 6;
 constexpr std::size_t most_pieces = 4096;
 /// Parts of the row for each piece, so that few parts hold more than one piece's beginning.
 constexpr std::size_t parts_per_piece = 4;
+
 struct triangle {
   qv_3dvector apex, from, to;
   double area;
