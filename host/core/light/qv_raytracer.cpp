@@ -6,7 +6,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -26,7 +25,6 @@ namespace qv {
 
 using light::level;
 using light::primitive;
-using light::triangle_corners;
 
 namespace {
 
@@ -44,8 +42,8 @@ struct slot {
   unsigned int date = 0;
   int rank = -1;      // place in the set; −1 not in the set
   int level_id = -1;  // −1 in none
-  std::size_t first = 0;
-  std::size_t count = 0;
+  std::uint32_t first = 0;
+  std::uint32_t count = 0;
 };
 
 struct trace_context {
@@ -210,12 +208,13 @@ struct qv_raytracer::kernel {
   bool set_changed = false;
   std::vector<slot> slots;
   std::vector<int> free_slots;
-  std::unordered_map<qvi_mesh*, int> slot_of_mesh;
+  std::vector<int> by_mesh;   // slots in use, by the addresses of their meshes
   std::vector<level> levels;  // the largest first
   int next_level_id = 0;
   qv_3dvector centre;
 
   slot& at(int index) { return slots[static_cast<std::size_t>(index)]; }
+  int find_slot(const qvi_mesh* mesh) const;
   int make_slot(qvi_mesh* mesh);
   void bury(slot& s);
   void apply_set(std::vector<int>& fresh);
@@ -224,6 +223,15 @@ struct qv_raytracer::kernel {
   void rebuild_if_needed(std::vector<int>& fresh);
   void dissolve(std::size_t index, std::vector<int>& fresh);
 };
+
+// −1 for a mesh that is not in the set.
+int qv_raytracer::kernel::find_slot(const qvi_mesh* mesh) const {
+  const auto mesh_of = [this](int index) -> const qvi_mesh* {
+    return slots[static_cast<std::size_t>(index)].mesh;
+  };
+  const auto found = std::ranges::lower_bound(by_mesh, mesh, std::ranges::less(), mesh_of);
+  return found != by_mesh.end() && mesh_of(*found) == mesh ? *found : -1;
+}
 
 int qv_raytracer::kernel::make_slot(qvi_mesh* mesh) {
   int index;
@@ -236,14 +244,14 @@ int qv_raytracer::kernel::make_slot(qvi_mesh* mesh) {
   }
   at(index) = slot();
   at(index).mesh = mesh;
-  slot_of_mesh.emplace(mesh, index);
   return index;
 }
 
 void qv_raytracer::kernel::bury(slot& s) {
   for (level& home : levels) {
     if (home.id != s.level_id) continue;
-    for (std::size_t i = s.first; i < s.first + s.count; ++i) home.primitives[i].slot = -1;
+    for (std::size_t i = s.first; i < std::size_t{s.first} + s.count; ++i)
+      home.primitives[i].slot = -1;
     home.live -= s.count;
   }
   s.level_id = -1;
@@ -255,24 +263,27 @@ void qv_raytracer::kernel::apply_set(std::vector<int>& fresh) {
   if (slots.empty()) slots.reserve(static_cast<std::size_t>(meshes.get_count()));
   for (slot& s : slots) s.rank = -1;
   for (int i = 0; i < meshes.get_count(); ++i) {
-    const auto found = slot_of_mesh.find(meshes[i]);
-    if (found != slot_of_mesh.end()) {
-      at(found->second).rank = i;
-    } else {
-      const int index = make_slot(meshes[i]);
-      at(index).rank = i;
+    int index = find_slot(meshes[i]);
+    if (index < 0) {
+      index = make_slot(meshes[i]);
       at(index).date = meshes[i]->get_geometry_date();
       fresh.push_back(index);
     }
+    at(index).rank = i;
   }
+  by_mesh.clear();
+  by_mesh.reserve(static_cast<std::size_t>(meshes.get_count()));
   for (std::size_t i = 0; i < slots.size(); ++i) {
     slot& s = slots[i];
-    if (s.rank >= 0 || s.mesh == nullptr) continue;
-    bury(s);
-    slot_of_mesh.erase(s.mesh);
-    s.mesh = nullptr;
-    free_slots.push_back(static_cast<int>(i));
+    if (s.rank >= 0) {
+      by_mesh.push_back(static_cast<int>(i));
+    } else if (s.mesh != nullptr) {
+      bury(s);
+      s.mesh = nullptr;
+      free_slots.push_back(static_cast<int>(i));
+    }
   }
+  std::ranges::sort(by_mesh, std::ranges::less(), [this](int index) { return at(index).mesh; });
   set_changed = false;
 }
 
@@ -310,18 +321,17 @@ void qv_raytracer::kernel::rebuild(std::vector<int>& fresh) {
   std::sort(fresh.begin(), fresh.end(), [this](int a, int b) { return at(a).rank < at(b).rank; });
   level made;
   made.id = next_level_id++;
-  std::vector<triangle_corners> corners;
-  corners.reserve(count);
   made.primitives.reserve(count);
+  made.indices.reserve(3 * count);
   for (int index : fresh) {
     slot& s = at(index);
     s.level_id = made.id;
-    s.first = made.primitives.size();
-    made.append(s.mesh, index, corners);
-    s.count = made.primitives.size() - s.first;
+    s.first = static_cast<std::uint32_t>(made.primitives.size());
+    made.append(s.mesh, index);
+    s.count = static_cast<std::uint32_t>(made.primitives.size()) - s.first;
   }
   if (!made.primitives.empty()) {
-    made.commit(corners, levels.empty() ? nullptr : &centre);
+    made.commit(levels.empty() ? nullptr : &centre);
     if (levels.empty()) centre = made.centre;
     levels.push_back(std::move(made));
   }
@@ -367,8 +377,8 @@ void qv_raytracer::update_changed(const qv_list<qvi_mesh*>& changed) {
   std::vector<int> fresh;
   if (kernel_->set_changed) kernel_->apply_set(fresh);
   for (qvi_mesh* mesh : changed) {
-    const auto found = kernel_->slot_of_mesh.find(mesh);
-    if (found != kernel_->slot_of_mesh.end()) kernel_->note_if_changed(found->second, fresh);
+    const int index = kernel_->find_slot(mesh);
+    if (index >= 0) kernel_->note_if_changed(index, fresh);
   }
   kernel_->rebuild_if_needed(fresh);
 }

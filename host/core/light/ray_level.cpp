@@ -2,10 +2,12 @@
 
 #include <embree3/rtcore.h>
 
+#include <array>
 #include <cmath>
 #include <utility>
 
 #include "core/shapes/qvi_mesh.h"
+#include "utilities/qv_box.h"
 #include "utilities/qv_tolerances.h"
 
 namespace qv::light {
@@ -28,6 +30,8 @@ RTCDevice shared_device() {
   static const holder instance;
   return instance.device;
 }
+
+using triangle_corners = std::array<qv_3dvector, 3>;
 
 bool is_traceable(const qv_3dvector& p) {
   constexpr auto limit = static_cast<float>(tolerance::largest_coordinate);
@@ -64,9 +68,16 @@ void level::swap(level& other) noexcept {
   std::swap(centre, other.centre);
 }
 
-void level::append(qvi_mesh* mesh, int slot, std::vector<triangle_corners>& corners) {
+qv_3dvector level::get_vertex(std::uint32_t index) const {
+  const float* const first = &vertices[std::size_t{3} * index];
+  return {first[0], first[1], first[2]};
+}
+
+void level::append(qvi_mesh* mesh, int slot) {
   const qv_list<qv_3dvector>& points = mesh->get_triangle_vertices();
   const qv_list<int>& triangles = mesh->get_triangle_indices();
+  const auto first_vertex = static_cast<std::uint32_t>(vertices.size() / 3);
+  for (const qv_3dvector& p : points) vertices.insert(vertices.end(), {p.x, p.y, p.z});
   for (int i = 0; i + 2 < triangles.get_count(); i += 3) {
     triangle_corners t;
     bool traceable = true;
@@ -77,36 +88,34 @@ void level::append(qvi_mesh* mesh, int slot, std::vector<triangle_corners>& corn
     qv_3dvector normal;
     if (!traceable || !triangle_normal(t, normal)) continue;
     primitives.push_back({mesh, normal, i / 3, slot});
-    corners.push_back(t);
+    for (int k = 0; k < 3; ++k)
+      indices.push_back(first_vertex + static_cast<std::uint32_t>(triangles[i + k]));
   }
 }
 
-void level::commit(const std::vector<triangle_corners>& corners, const qv_3dvector* common_centre) {
+void level::commit(const qv_3dvector* common_centre) {
   live = primitives.size();
   qv_box box;
-  for (const triangle_corners& t : corners)
-    for (const qv_3dvector& p : t) box.enlarge(p);
+  for (const std::uint32_t index : indices) box.enlarge(get_vertex(index));
   centre = box.get_center();
   if (common_centre != nullptr && (centre - *common_centre).length() < common_centre_reach)
     centre = *common_centre;
-
-  vertices.reserve(corners.size() * 9 + vertex_padding);
-  indices.reserve(corners.size() * 3);
-  for (const triangle_corners& t : corners) {
-    for (const qv_3dvector& p : t) {
-      indices.push_back(static_cast<std::uint32_t>(indices.size()));
-      vertices.insert(vertices.end(), {p.x - centre.x, p.y - centre.y, p.z - centre.z});
-    }
+  const std::size_t vertex_count = vertices.size() / 3;
+  for (std::size_t i = 0; i < vertices.size(); i += 3) {
+    vertices[i] -= centre.x;
+    vertices[i + 1] -= centre.y;
+    vertices[i + 2] -= centre.z;
   }
   vertices.resize(vertices.size() + vertex_padding);
+  vertices.shrink_to_fit();
 
   scene = rtcNewScene(shared_device());
   rtcSetSceneFlags(scene, RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION);
   const RTCGeometry geometry = rtcNewGeometry(shared_device(), RTC_GEOMETRY_TYPE_TRIANGLE);
   rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                             vertices.data(), 0, 3 * sizeof(float), corners.size() * 3);
+                             vertices.data(), 0, 3 * sizeof(float), vertex_count);
   rtcSetSharedGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, indices.data(),
-                             0, 3 * sizeof(std::uint32_t), corners.size());
+                             0, 3 * sizeof(std::uint32_t), primitives.size());
   rtcCommitGeometry(geometry);
   rtcAttachGeometry(scene, geometry);
   rtcReleaseGeometry(geometry);

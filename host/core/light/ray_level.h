@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -24,8 +23,6 @@ struct primitive {
   int slot;
 };
 
-using triangle_corners = std::array<qv_3dvector, 3>;
-
 /// A pool of triangles of a ray tracer with a bounding volume hierarchy of its own.
 struct level {
   level() = default;
@@ -36,11 +33,11 @@ struct level {
   }
   ~level();
 
-  /// Adds the mesh's triangles to `primitives` and their corners to `corners`, those left out that
-  /// are not finite or have no area.
-  void append(qvi_mesh* mesh, int slot, std::vector<triangle_corners>& corners);
+  /// Adds the mesh's vertices, where they are, and its triangles, those left out that are not
+  /// finite or have no area.
+  void append(qvi_mesh* mesh, int slot);
   /// Builds the hierarchy, around `common_centre` when that is near enough to the triangles'.
-  void commit(const std::vector<triangle_corners>& corners, const qv_3dvector* common_centre);
+  void commit(const qv_3dvector* common_centre);
   bool has_dead() const { return live != primitives.size(); }
   /// More dead than alive: worth a rebuild.
   bool is_mostly_dead() const { return primitives.size() - live > live; }
@@ -48,14 +45,16 @@ struct level {
   int id = -1;
   /// Filters of hits are asked for by each query's context.
   RTCSceneTy* scene = nullptr;
-  /// Three coordinates for each corner of each triangle, from the centre.
+  /// Three coordinates for each vertex of each mesh, from the centre once committed.
   std::vector<float> vertices;
+  /// Three vertices for each triangle.
   std::vector<std::uint32_t> indices;
   std::vector<primitive> primitives;
   std::size_t live = 0;
   qv_3dvector centre;
 
  private:
+  qv_3dvector get_vertex(std::uint32_t index) const;
   void swap(level& other) noexcept;
 };
 
