@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 #include "core/items/qv_scene.h"
 #include "core/light/qv_ray.h"
@@ -86,6 +88,39 @@ TEST(qv_raytracing_layer, follows_changes_of_geometry) {
   load(*mesh, square(10, 1));
   mesh->set_raytracing_layers({"bim"});
   EXPECT_EQ(height(scene), 1);
+}
+
+TEST(qv_raytracing_layer, follows_changes_of_one_and_of_most_among_many) {
+  qv_scene scene;
+  std::vector<qvi_mesh*> meshes;
+  for (int i = 0; i < 60; ++i) meshes.push_back(add_square(scene, static_cast<float>(100 + i)));
+  ASSERT_EQ(height(scene), 100);
+  load(*meshes[31], square(10, 90));
+  EXPECT_EQ(height(scene), 90);
+  for (std::size_t i = 10; i < 60; ++i)
+    load(*meshes[i], square(10, static_cast<float>(80 - static_cast<int>(i))));
+  EXPECT_EQ(height(scene), 21);
+  for (std::size_t i = 10; i < 60; ++i) qv_item::destroy(meshes[i]);
+  EXPECT_EQ(height(scene), 100);
+}
+
+TEST(qv_raytracing_layer, forgets_the_change_of_a_mesh_that_left) {
+  qv_scene scene;
+  for (int i = 10; i < 40; ++i) add_square(scene, static_cast<float>(i));
+  qvi_mesh* gone = add_square(scene, 3);
+  qvi_mesh* back = add_square(scene, 5);
+  ASSERT_EQ(height(scene), 3);
+  load(*gone, square(10, 2));
+  qv_item::destroy(gone);
+  back->remove();
+  load(*back, square(10, 4));
+  scene.add_child(back, -1);
+  EXPECT_EQ(height(scene), 4);
+  load(*back, square(10, 1));
+  back->remove();
+  EXPECT_EQ(height(scene), 10);
+  qv_item::destroy(back);
+  EXPECT_EQ(height(scene), 10);
 }
 
 TEST(qv_raytracing_layer, follows_a_polygon_that_is_turned) {

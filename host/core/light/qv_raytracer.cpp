@@ -289,6 +289,7 @@ void qv_raytracer::kernel::apply_set(std::vector<int>& fresh) {
 
 void qv_raytracer::kernel::note_if_changed(int index, std::vector<int>& fresh) {
   slot& s = at(index);
+  if (s.level_id < 0) return;  // among the fresh ones already
   const unsigned int date = s.mesh->get_geometry_date();
   if (date == s.date) return;
   s.date = date;
@@ -344,6 +345,24 @@ void qv_raytracer::kernel::rebuild_if_needed(std::vector<int>& fresh) {
   if (!fresh.empty() || std::any_of(levels.begin(), levels.end(), mostly_dead)) rebuild(fresh);
 }
 
+namespace {
+
+// The entries in their order, without null and repetitions.
+qv_list<qvi_mesh*> get_distinct(const qv_list<qvi_mesh*>& meshes) {
+  std::vector<qvi_mesh*> by_address(meshes.begin(), meshes.end());
+  std::ranges::sort(by_address);
+  const bool is_distinct = std::ranges::adjacent_find(by_address) == by_address.end() &&
+                           (by_address.empty() || by_address.front() != nullptr);
+  if (is_distinct) return meshes;
+  std::unordered_set<qvi_mesh*> seen = {nullptr};
+  qv_list<qvi_mesh*> kept;
+  for (qvi_mesh* mesh : meshes)
+    if (seen.insert(mesh).second) kept.append(mesh);
+  return kept;
+}
+
+}  // namespace
+
 qv_raytracer::qv_raytracer(const qv_list<qvi_mesh*>& meshes) : kernel_(std::make_unique<kernel>()) {
   set_meshes(meshes);
 }
@@ -351,11 +370,7 @@ qv_raytracer::qv_raytracer(const qv_list<qvi_mesh*>& meshes) : kernel_(std::make
 qv_raytracer::~qv_raytracer() = default;
 
 void qv_raytracer::set_meshes(const qv_list<qvi_mesh*>& meshes) {
-  std::unordered_set<qvi_mesh*> seen;
-  qv_list<qvi_mesh*> kept;
-  kept.reserve(meshes.get_count());
-  for (qvi_mesh* mesh : meshes)
-    if (mesh != nullptr && seen.insert(mesh).second) kept.append(mesh);
+  qv_list<qvi_mesh*> kept = get_distinct(meshes);
   if (kept == kernel_->meshes) return;
   kernel_->meshes = std::move(kept);
   kernel_->set_changed = true;
@@ -374,6 +389,12 @@ void qv_raytracer::update() {
 }
 
 void qv_raytracer::update_changed(const qv_list<qvi_mesh*>& changed) {
+  // To find a mesh costs more than to ask it.
+  constexpr int finding_cost = 8;
+  if (changed.get_count() > kernel_->meshes.get_count() / finding_cost) {
+    qv_raytracer::update();
+    return;
+  }
   std::vector<int> fresh;
   if (kernel_->set_changed) kernel_->apply_set(fresh);
   for (qvi_mesh* mesh : changed) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 
 #include "core/items/qv_scene.h"
 #include "core/shapes/qvi_mesh_instance.h"
@@ -95,11 +96,13 @@ bool qv_raytracing_layer::belongs(const qvi_mesh* mesh) const {
 }
 
 void qv_raytracing_layer::enter(qvi_mesh* mesh) {
-  if (!members_.insert(mesh).second) return;
+  const auto [entry, fresh] = members_.try_emplace(mesh);
+  if (!fresh) return;
   membership_changed_ = true;
   // The tracer may hold what a mesh was before it left and came back.
-  changed_.insert(mesh);
-  if (!is_instance(mesh)) return;
+  mark_changed(*entry);
+  entry->second.is_instance = is_instance(mesh);
+  if (!entry->second.is_instance) return;
   instances_.insert(mesh);
   instances_changed_ = true;
 }
@@ -107,14 +110,32 @@ void qv_raytracing_layer::enter(qvi_mesh* mesh) {
 void qv_raytracing_layer::leave(qvi_mesh* mesh) {
   if (members_.erase(mesh) == 0) return;
   membership_changed_ = true;
-  changed_.erase(mesh);
   if (instances_.erase(mesh) != 0) instances_changed_ = true;
 }
 
 void qv_raytracing_layer::note_changed(qvi_mesh* mesh) {
-  if (members_.count(mesh) == 0) return;
-  changed_.insert(mesh);
-  if (instances_.count(mesh) != 0) instances_changed_ = true;
+  const auto entry = members_.find(mesh);
+  if (entry == members_.end()) return;
+  mark_changed(*entry);
+  if (entry->second.is_instance) instances_changed_ = true;
+}
+
+void qv_raytracing_layer::mark_changed(member_map::value_type& entry) {
+  if (entry.second.changed) return;
+  entry.second.changed = true;
+  changed_.push_back(entry.first);
+}
+
+// The members among the changed meshes, which are unchanged from now on.
+qv_list<qvi_mesh*> qv_raytracing_layer::take_changed() {
+  qv_list<qvi_mesh*> changed;
+  changed.reserve(static_cast<int>(changed_.size()));
+  for (qvi_mesh* mesh : std::exchange(changed_, {})) {
+    const auto entry = members_.find(mesh);
+    if (entry != members_.end() && std::exchange(entry->second.changed, false))
+      changed.append(mesh);
+  }
+  return changed;
 }
 
 /// Finds out again what the instances show; all of them may show something else now.
@@ -123,7 +144,7 @@ void qv_raytracing_layer::follow_instances() {
   instances_of_.clear();
   untold_.clear();
   for (qvi_mesh* member : instances_) {
-    changed_.insert(member);
+    mark_changed(*members_.find(member));
     bool told = true;
     std::unordered_set<const qvi_mesh*> chain = {member};
     const qvi_mesh* link = member;
@@ -143,7 +164,7 @@ void qv_raytracing_layer::refresh_members() {
   qv_list<qvi_mesh*> meshes;
   if (!members_.empty()) {
     meshes.reserve(static_cast<int>(members_.size()));
-    for (qv_item* item : (*members_.begin())->get_scene()->get_items("mesh")) {
+    for (qv_item* item : members_.begin()->first->get_scene()->get_items("mesh")) {
       auto* mesh = static_cast<qvi_mesh*>(item);
       if (members_.count(mesh) != 0) meshes.append(mesh);
     }
@@ -155,11 +176,9 @@ void qv_raytracing_layer::refresh_members() {
 void qv_raytracing_layer::refresh_geometry() {
   if (instances_changed_) follow_instances();
   if (changed_.empty() && untold_.empty() && !set_pending_) return;
-  qv_list<qvi_mesh*> changed;
-  for (qvi_mesh* mesh : changed_) changed.append(mesh);
+  qv_list<qvi_mesh*> changed = take_changed();
   for (qvi_mesh* mesh : untold_) changed.append(mesh);
   tracer_->update_changed(changed);
-  changed_ = {};  // with the memory of a first update, which is that of all meshes
   set_pending_ = false;
 }
 

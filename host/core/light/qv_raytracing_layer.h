@@ -32,25 +32,32 @@ class qv_raytracing_layer : public qv_scene_observer {
 
  private:
   class tracer;
+  struct membership {
+    bool changed = false;  // and listed in `changed_`
+    bool is_instance = false;
+  };
+  using member_map = std::unordered_map<qvi_mesh*, membership>;
 
   bool belongs(const qvi_mesh* mesh) const;
   void enter(qvi_mesh* mesh);
   void leave(qvi_mesh* mesh);
   void note_changed(qvi_mesh* mesh);
+  void mark_changed(member_map::value_type& entry);
+  qv_list<qvi_mesh*> take_changed();
   void follow_instances();
   void refresh_members();
   void refresh_geometry();
 
   std::string layer_name_;
-  std::unordered_set<qvi_mesh*> members_;
+  member_map members_;
   bool membership_changed_ = true;           // since the tracer was given its set
   bool set_pending_ = false;                 // the tracer was given a set and not yet updated
   std::unordered_set<qvi_mesh*> instances_;  // members that show another mesh
   bool instances_changed_ = false;
   // Instances that show a mesh, directly or through other instances, by that mesh.
   std::unordered_map<const qvi_mesh*, std::vector<qvi_mesh*>> instances_of_;
-  std::vector<qvi_mesh*> untold_;  // instances of meshes that are in no scene
-  std::unordered_set<qvi_mesh*> changed_;
+  std::vector<qvi_mesh*> untold_;   // instances of meshes that are in no scene
+  std::vector<qvi_mesh*> changed_;  // since the last update; some are no members any more
   std::unique_ptr<tracer> tracer_;
 };
 
