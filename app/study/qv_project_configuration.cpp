@@ -9,12 +9,16 @@
 
 #include "app/readers/qv_input_error.h"
 #include "app/report/qv_report_value.h"
+#include "bim/envelope/qvi_opening.h"
 #include "bim/envelope/qvi_opening_composition.h"
 #include "bim/hierarchy/qvi_building.h"
 #include "bim/materials/qvi_composition.h"
+#include "bim/materials/qvi_glazing.h"
+#include "bim/materials/qvi_opaque.h"
 #include "bim/project/qvi_bim_configuration.h"
 #include "core/items/qv_item_type.h"
 #include "core/items/qv_scene.h"
+#include "core/shapes/qvi_mesh.h"
 
 namespace qv {
 
@@ -346,26 +350,55 @@ template <class Element>
 class composition_watch {
  public:
   composition_watch(const char* kind, const qv_list<Element*>& elements) : kind_(kind) {
-    for (Element* element : elements) before_.push_back({element, name_of(*element)});
+    for (Element* element : elements) before_.push_back({element, element->get_composition()});
   }
   void report(std::vector<qv_study_change>& changes) const {
+    std::map<std::pair<const qv_item*, const qv_item*>, bool> differences;
     for (const auto& [element, before] : before_) {
-      const auto after = name_of(*element);
-      if (before != after)
-        changes.push_back({kind_, id_of(*element), "composition", before, after});
+      const qv_item* const after = element->get_composition();
+      const auto [known, is_new] = differences.try_emplace({before, after}, false);
+      if (is_new) known->second = text_of(before) != text_of(after);
+      if (known->second)
+        changes.push_back({kind_, id_of(*element), "composition", name_of(before), name_of(after)});
     }
   }
 
  private:
-  static std::optional<std::string> name_of(const Element& element) {
-    const auto* composition = element.get_composition();
+  // Everything that a composition is made of: one of the same name may have other layers.
+  static std::string text_of(const qv_item* composition) {
+    item_writer items;
+    if (composition != nullptr) items.write(*composition);
+    return items.take_items().dump(-1, ' ', false, json::error_handler_t::replace);
+  }
+  static std::optional<std::string> name_of(const qv_item* composition) {
     if (composition == nullptr) return std::nullopt;
     return composition->get_name();
   }
 
   const char* kind_;
-  std::vector<std::pair<Element*, std::optional<std::string>>> before_;
+  std::vector<std::pair<Element*, const qv_item*>> before_;
 };
+
+/// Fills an opening with what its composition is made of. Glazings an opening hands out itself, to
+/// what is glazed; but a panel in it stays where a composition has another one, or a glazing in its
+/// place. A composition of figures alone leaves the filling as it is.
+void fill(qvi_opening& opening) {
+  const qvi_opening_composition* composition = opening.get_composition();
+  if (composition == nullptr) return;
+  qvi_opaque* const panel = composition->get_opaque();
+  qvi_glazing* const glazing = composition->get_glazing();
+  for (qvi_mesh* mesh : qv_collect<qvi_mesh>(&opening, "mesh")) {
+    const qvi_shader* present = mesh->get_front_shader();
+    const bool is_panel = present != nullptr && present->has_type("opaque");
+    const bool is_glazed = present == nullptr || present->has_type("glazing");
+    qvi_shader* filling = nullptr;
+    if (panel != nullptr && (is_panel || (is_glazed && glazing == nullptr))) filling = panel;
+    if (panel == nullptr && is_panel) filling = glazing;
+    if (filling == nullptr) continue;
+    mesh->set_front_shader(filling);
+    mesh->set_back_shader(filling);
+  }
+}
 
 }  // namespace
 
@@ -390,6 +423,14 @@ std::vector<qv_study_change> qv_project_configuration::apply_constructions(qv_sc
   const composition_watch<qvi_opening> opening_watch("opening", openings);
   configuration_->apply_walls_to_scene(&scene, walls, true);
   configuration_->apply_openings_to_scene(&scene, openings, true);
+  const auto types = configuration_->get_opening_types();
+  const auto choices = configuration_->get_opening_compositions();
+  const auto has_choice = [&](qvi_opening::opening_type type) {
+    const int slot = types.find(type);
+    return slot >= 0 && choices[slot] != nullptr;
+  };
+  for (qvi_opening* opening : openings)
+    if (has_choice(opening->get_opening_type())) fill(*opening);
   std::vector<qv_study_change> changes;
   wall_watch.report(changes);
   opening_watch.report(changes);

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "app/readers/qv_input_error.h"
@@ -111,6 +112,70 @@ TEST(qv_project_configuration, changes_nothing_in_the_model_that_it_comes_from) 
   for (const auto& change : qv_run_study(options).changes)
     ADD_FAILURE() << change.element << " " << change.id << ": " << change.before.value_or("–")
                   << " became " << change.after.value_or("–");
+}
+
+// A panel in a door stays what it is when its composition changes: the study has to change it too.
+TEST(qv_project_configuration, puts_its_panels_and_glazings_into_the_openings) {
+  qv_load_bim_items();
+  const char* const items = R"("items": [
+    {"number": 0, "type": "opening_composition", "name": "Leaf", "params": {"opaque": 1}},
+    {"number": 1, "type": "opaque", "name": "Oak", "params": {"thickness": 0.04,
+     "conductivity": 0.16}},
+    {"number": 2, "type": "opening_composition", "name": "Pane", "params": {"glazing": 3}},
+    {"number": 3, "type": "glazing", "name": "Float", "params": {"layers": [4]}},
+    {"number": 4, "type": "glazing_glass", "name": "4", "params": {"thickness": 0.004,
+     "conductivity": 1}}],
+    "openings": )";
+  qv_study_options options;
+  options.model = sample;
+  options.configuration_name = "c.json";
+  options.configuration =
+      with_table(items + std::string(R"([{"opening_type": "door", "composition": 0},
+                              {"opening_type": "skylight", "composition": 0}])"));
+  for (const auto& opening : qv_run_study(options).openings) {
+    if (opening.opening_type == "window") {
+      EXPECT_NE(opening.composition, "Leaf");
+      EXPECT_GT(opening.glazing_area, 0);
+      continue;
+    }
+    EXPECT_EQ(opening.composition, "Leaf");
+    EXPECT_NEAR(opening.u.value(), 4.0f, 1e-5) << opening.id;
+    EXPECT_EQ(opening.solar_factor, 0.0f) << opening.id;
+    EXPECT_EQ(opening.glazing_area, 0) << opening.id;
+    EXPECT_EQ(opening.opaque_area, opening.full_area) << opening.id;
+  }
+  options.configuration =
+      with_table(items + std::string(R"([{"opening_type": "door", "composition": 2}])"));
+  const auto study = qv_run_study(options);
+  const auto pane = std::find_if(study.glazings.begin(), study.glazings.end(),
+                                 [](const auto& glazing) { return glazing.name == "Float"; });
+  ASSERT_NE(pane, study.glazings.end());
+  std::size_t doors = 0;
+  for (const auto& opening : study.openings) {
+    if (opening.opening_type != "door") continue;
+    ++doors;
+    EXPECT_NEAR(opening.u.value(), pane->u_vertical, 1e-5) << opening.id;
+    EXPECT_EQ(opening.solar_factor, pane->solar_factor) << opening.id;
+    EXPECT_EQ(opening.opaque_area, 0) << opening.id;
+    EXPECT_EQ(opening.glazing_area, opening.full_area) << opening.id;
+  }
+  EXPECT_EQ(doors, 5u);
+}
+
+TEST(qv_project_configuration, lists_a_composition_of_the_same_name_with_other_layers) {
+  qv_load_bim_items();
+  const auto model = qv_read_gbxml(sample);
+  qv_compute_model(model, {});
+  json document = json::parse(qv_save_configuration(*model.scene, "house"));
+  for (json& item : document["items"])
+    if (item["params"].contains("conductivity")) item["params"]["conductivity"] = 0.01;
+  qv_study_options options;
+  options.model = sample;
+  options.configuration_name = "c.json";
+  options.configuration = document.dump();
+  const auto study = qv_run_study(options);
+  EXPECT_THAT(study.changes, testing::Not(testing::IsEmpty()));
+  for (const auto& change : study.changes) EXPECT_EQ(change.before, change.after) << change.id;
 }
 
 TEST(qv_project_configuration, says_what_is_wrong_with_a_file) {
