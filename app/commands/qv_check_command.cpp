@@ -1,5 +1,6 @@
 #include <array>
 #include <memory>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -49,6 +50,10 @@ qv_turned_gbxml repair(const std::string& name, const std::string& bytes,
 }
 
 qv_findings_report check(const check_arguments& arguments, std::vector<std::string>& notes) {
+  // Before the work, so that a wrong place is told at once.
+  std::optional<qv_output_file> file;
+  if (arguments.fix)
+    file.emplace(arguments.repaired, qv_read_files(arguments.model, arguments.context));
   qv_progress progress;
   const int step_count = arguments.fix ? 3 : 2;
   progress.begin_step(1, step_count, "reading the model");
@@ -59,15 +64,14 @@ qv_findings_report check(const check_arguments& arguments, std::vector<std::stri
   check_result found = find(arguments.model, bytes, arguments.context);
   report.findings = std::move(found.findings);
   notes = std::move(found.notes);
-  if (!arguments.fix) return report;
+  if (!file) return report;
   progress.begin_step(3, step_count, "repairing the model");
   const qv_turned_gbxml turned = repair(arguments.model, bytes, report.findings);
-  qv_output_file file(arguments.repaired);
-  file.stage(turned.text);
+  file->stage(turned.text);
   report.repaired_file = arguments.repaired;
   report.turned_count = turned.count;
   report.findings = find(arguments.repaired, turned.text, arguments.context).findings;
-  file.commit();
+  file->commit();
   return report;
 }
 

@@ -22,7 +22,7 @@ struct save_arguments {
 int run_save(const save_arguments& arguments) {
   qv_study_options options;
   if (!arguments.psi.empty()) options.psi = qv_read_psi_catalogue(arguments.psi);
-  qv_output_file file(arguments.file);
+  qv_output_file file(arguments.file, {arguments.model, arguments.psi});
   std::string text;
   {
     qv_progress progress;

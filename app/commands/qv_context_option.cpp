@@ -21,6 +21,13 @@ void qv_add_context_options(qv_command& command, qv_context_options& options) {
                      axes, options.up);
 }
 
+std::vector<std::string> qv_read_files(const std::string& model,
+                                       const qv_context_options& context) {
+  std::vector<std::string> files = {model};
+  files.insert(files.end(), context.files.begin(), context.files.end());
+  return files;
+}
+
 void qv_print_notes(const std::vector<std::string>& notes) {
   for (const std::string& note : notes) std::fprintf(stderr, "qv: note: %s\n", note.c_str());
 }

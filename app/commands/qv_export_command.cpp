@@ -40,7 +40,7 @@ std::string export_text(export_format format, const qv_gbxml_model& model) {
 
 int run_export(const export_arguments& arguments) {
   // Before the work, so that a wrong place is told at once.
-  qv_output_file file(arguments.file);
+  qv_output_file file(arguments.file, qv_read_files(arguments.model, arguments.context));
   std::vector<std::string> notes;
   {
     qv_progress progress;
@@ -55,6 +55,10 @@ int run_export(const export_arguments& arguments) {
     qv_compute_model(model, options, announce);
     announce(4, 4, "writing the model");
     file.stage(export_text(arguments.format, model));
+    if (arguments.format == export_format::gbxml && !model.scene->get_items("usage").is_empty())
+      notes.emplace_back(
+          "people, light, equipment and schedules are not written: gbXML gets the design "
+          "temperatures of zones alone");
   }
   file.commit();
   qv_print_notes(notes);

@@ -103,7 +103,7 @@ void hover(qv_item& item) {
 
 int run_picture(const picture_arguments& arguments) {
   // Before the work, so that a wrong place, or a machine that cannot draw, is told at once.
-  qv_output_file file(arguments.file);
+  qv_output_file file(arguments.file, qv_read_files(arguments.model, arguments.context));
   qv_picture_maker maker;
   qv_picture picture;
   std::vector<std::string> context_notes;

@@ -1,5 +1,9 @@
+#include <fmt/format.h>
+
+#include <filesystem>
 #include <memory>
 #include <optional>
+#include <set>
 
 #include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
@@ -19,6 +23,10 @@
 
 namespace qv {
 namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* sun_file = "solar.csv";
 
 struct study_arguments {
   qv_study_options study;
@@ -46,6 +54,48 @@ std::string told_of(const qv_study_pictures& pictures) {
   return text;
 }
 
+// The files of a study, but for pictures and hours, in the order in which the user is told of them.
+std::vector<std::string> list_files(bool with_sun) {
+  std::vector<std::string> names = {"study.json", "model.json",   "spaces.csv",
+                                    "walls.csv",  "openings.csv", "thermal_bridges.csv"};
+  if (with_sun) names.emplace_back(sun_file);
+  return names;
+}
+
+// Every file that the study reads.
+std::vector<std::string> list_read_files(const study_arguments& arguments) {
+  std::vector<std::string> files = qv_read_files(arguments.study.model, arguments.study.context);
+  for (const std::string& file :
+       {arguments.psi, arguments.configuration, arguments.study.solar.weather})
+    if (!file.empty()) files.push_back(file);
+  return files;
+}
+
+// One file cannot be two.
+void refuse_own_file(const fs::path& folder, const std::string& hourly) {
+  for (const std::string& name : list_files(true))
+    if (fs::weakly_canonical(folder / name) == fs::weakly_canonical(hourly))
+      throw qv_usage_error("--hourly: \"" + hourly + "\" is a file that the study writes itself; " +
+                           "`qv help study` explains");
+}
+
+// Puts the pictures beside the study, in place of all that an earlier study drew.
+void write_pictures(const fs::path& folder, const qv_study_pictures& pictures) {
+  std::error_code ignored;
+  if (pictures.files.empty() && !fs::is_directory(folder, ignored)) return;
+  qv_output_folder place(folder);
+  std::set<std::string> drawn;
+  for (const auto& [name, png] : pictures.files) {
+    place.stage(name, png);
+    drawn.insert(name);
+  }
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) {
+    const std::string name = entry.path().filename().string();
+    if (qv_names_study_picture(name) && !drawn.contains(name)) place.discard(name);
+  }
+  place.commit();
+}
+
 int run_study(const study_arguments& arguments) {
   const qv_interrupt interrupt;
   qv_study_options options = arguments.study;
@@ -55,10 +105,15 @@ int run_study(const study_arguments& arguments) {
     options.configuration = qv_read_file(arguments.configuration, "a configuration");
     qv_project_configuration(options.configuration_name, options.configuration);  // complains now
   }
-  // Before the work, so that a wrong folder is told at once.
-  qv_output_folder folder(arguments.folder);
+  // Before the work, so that a wrong place is told at once.
+  const std::vector<std::string> read = list_read_files(arguments);
+  qv_output_folder folder(arguments.folder, read);
+  for (const std::string& name : list_files(!arguments.no_solar)) folder.check_place(name);
   std::optional<qv_output_file> hourly_file;
-  if (!arguments.hourly.empty()) hourly_file.emplace(arguments.hourly);
+  if (!arguments.hourly.empty()) {
+    refuse_own_file(folder.get_path(), arguments.hourly);
+    hourly_file.emplace(arguments.hourly, read);
+  }
   options.solar.wanted = !arguments.no_solar;
   options.solar.keep_hours = hourly_file.has_value();
   qv_study_pictures pictures;
@@ -74,21 +129,21 @@ int run_study(const study_arguments& arguments) {
   folder.stage("walls.csv", qv_walls_csv(study));
   folder.stage("openings.csv", qv_openings_csv(study));
   folder.stage("thermal_bridges.csv", qv_thermal_bridges_csv(study));
-  if (options.solar.wanted) folder.stage("solar.csv", qv_solar_csv(study));
-  std::optional<qv_output_folder> picture_folder;
-  if (!pictures.files.empty()) {
-    picture_folder.emplace(folder.get_path() / "pictures");
-    for (const auto& [name, png] : pictures.files) picture_folder->stage(name, png);
-    picture_folder->commit();
+  if (options.solar.wanted) {
+    folder.stage(sun_file, qv_solar_csv(study));
+  } else {
+    folder.discard(sun_file);
   }
+  write_pictures(folder.get_path() / "pictures", pictures);
   if (hourly_file) {
     hourly_file->stage(qv_hourly_csv(study));
     hourly_file->commit();
   }
   folder.commit();
-  qv_print(qv_study_summary(study) + "\nWritten to " + arguments.folder +
-           ": study.json, model.json, spaces.csv, walls.csv, openings.csv, thermal_bridges.csv" +
-           (options.solar.wanted ? ", solar.csv" : "") + told_of(pictures) +
+  qv_print(qv_study_summary(study) +
+           fmt::format("\nWritten to {}: {}", arguments.folder,
+                       fmt::join(list_files(options.solar.wanted), ", ")) +
+           told_of(pictures) +
            (hourly_file ? "Hours of every surface in " + arguments.hourly + '\n' : ""));
   return qv_exit_success;
 }

@@ -12,6 +12,14 @@
 namespace qv {
 namespace {
 
+constexpr const char* contact_type_name = "iso-contact-type.png";
+constexpr const char* u_name = "iso-u.png";
+constexpr const char* bridges_name = "thermal-bridges.png";
+
+std::string plan_name(int storey) {
+  return fmt::format("plan-storey-{}.png", storey);
+}
+
 // A tower has many storeys that look alike; who wants more asks for them one by one.
 constexpr std::size_t most_plans = 40;
 
@@ -21,8 +29,8 @@ class album {
       : subject_(qv_make_picture_subject(model, study)), model_name_(study.source) {}
 
   qv_study_pictures draw() {
-    add("iso-contact-type.png", qv_picture_view::iso, qv_picture_color::contact_type);
-    add("iso-u.png", qv_picture_view::iso, qv_picture_color::u);
+    add(contact_type_name, qv_picture_view::iso, qv_picture_color::contact_type);
+    add(u_name, qv_picture_view::iso, qv_picture_color::u);
     std::vector<int> storeys = qv_list_storeys(*subject_.scene);
     if (storeys.size() > most_plans) {
       pictures_.notes.push_back(fmt::format(
@@ -31,9 +39,8 @@ class album {
       storeys.resize(most_plans);
     }
     for (const int storey : storeys)
-      add(fmt::format("plan-storey-{}.png", storey), qv_picture_view::plan, qv_picture_color::zone,
-          storey);
-    add("thermal-bridges.png", qv_picture_view::iso, qv_picture_color::thermal_bridges);
+      add(plan_name(storey), qv_picture_view::plan, qv_picture_color::zone, storey);
+    add(bridges_name, qv_picture_view::iso, qv_picture_color::thermal_bridges);
     return std::move(pictures_);
   }
 
@@ -76,6 +83,14 @@ qv_study_pictures qv_draw_study_pictures(const qv_gbxml_model& model,
   } catch (const qv_no_drawing& reason) {
     return {{}, {fmt::format("no pictures: {}", reason.what())}};
   }
+}
+
+bool qv_names_study_picture(const std::string& file_name) {
+  for (const char* name : {contact_type_name, u_name, bridges_name})
+    if (file_name == name) return true;
+  for (int storey = 0; storey < static_cast<int>(most_plans); ++storey)
+    if (file_name == plan_name(storey)) return true;
+  return false;
 }
 
 }  // namespace qv

@@ -25,4 +25,7 @@ struct qv_study_pictures {
 qv_study_pictures qv_draw_study_pictures(const qv_gbxml_model& model,
                                          const qv_study_results& study);
 
+/// Whether a study gives such a name to one of its pictures.
+bool qv_names_study_picture(const std::string& file_name);
+
 }  // namespace qv

@@ -211,6 +211,51 @@ TEST(qv_study_command, leaves_nothing_behind_when_the_disk_is_full) {
   EXPECT_EQ(entry_count(place.path()), 0u);
 }
 
+TEST(qv_command_line, writes_over_nothing_that_it_reads) {
+  const qv_temporary_folder place;
+  const std::string model = place.path() / "house.xml";
+  std::filesystem::copy_file(sample, model);
+  const std::string content = qv_file_content(model);
+  const std::string out = place.path() / "out";
+  const std::vector<std::vector<std::string>> commands = {
+      {"export", model, "--format", "obj", "--out", model},
+      {"configure", "save", model, model},
+      {"check", model, "--fix", "--out", model},
+      {"study", model, "--out", out, "--hourly", model}};
+  for (const auto& command : commands) {
+    SCOPED_TRACE(command.front());
+    const auto run = qv_run(command);
+    expect_one_line_complaint(run, 4);
+    EXPECT_THAT(run.errors, HasSubstr("it is a file that this run reads"));
+    EXPECT_EQ(qv_file_content(model), content);
+  }
+  EXPECT_EQ(entry_count(place.path()), 1u);
+}
+
+TEST(qv_study_command, refuses_hours_in_the_place_of_another_result) {
+  const qv_temporary_folder place;
+  const auto run = qv_run({"study", sample, "--no-pictures", "--out", place.path(), "--hourly",
+                           place.path() / "." / "walls.csv"});
+  expect_one_line_complaint(run, 2);
+  EXPECT_THAT(run.errors, HasSubstr("is a file that the study writes itself"));
+  EXPECT_EQ(entry_count(place.path()), 0u);
+}
+
+TEST(qv_study_command, leaves_nothing_of_an_earlier_study_beside_its_own) {
+  const qv_temporary_folder place;
+  const auto pictures = place.path() / "pictures";
+  std::filesystem::create_directory(pictures);
+  for (const auto& file : {place.path() / "solar.csv", pictures / "plan-storey-7.png",
+                           pictures / "iso-u.png", pictures / "mine.png"})
+    std::ofstream(file) << "old";
+  ASSERT_EQ(
+      qv_run({"study", sample, "--no-solar", "--no-pictures", "--out", place.path()}).exit_code, 0);
+  EXPECT_EQ(entry_count(place.path()), 8u);  // six files, the folder of pictures, mine.png
+  EXPECT_FALSE(std::filesystem::exists(place.path() / "solar.csv"));
+  EXPECT_EQ(entry_count(pictures), 1u);
+  EXPECT_TRUE(std::filesystem::exists(pictures / "mine.png"));
+}
+
 TEST(qv_study_command, tells_that_standard_output_cannot_be_written) {
   const auto run = qv_run_shell("\"$QV\" --version > /dev/full");
   EXPECT_EQ(run.exit_code, 4);
