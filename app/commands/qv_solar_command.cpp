@@ -27,13 +27,13 @@ const qv_surface_sun* find_sun(const qv_study_results& study, const std::string&
   return nullptr;
 }
 
-std::string sum_text(const std::string& id, const qv_surface_sun& sun) {
+std::string sum_text(const std::string& id, const qv_surface_sun& sun, const std::string& weather) {
   std::string text =
       fmt::format("{}: {:.1f} ± {:.1f} kWh/m²: beam {:.1f}, sky {:.1f}, reflected {:.1f}\n", id,
                   sun.total, sun.half_width_95, sun.direct, sun.diffuse, sun.reflected);
   for (std::size_t m = 0; m < 12; ++m)
     text += fmt::format("  month {:2}  {:7.1f} kWh/m²\n", m + 1, sun.monthly_total[m]);
-  return text;
+  return text + "Weather: " + weather + '\n';
 }
 
 int run_solar(const solar_arguments& arguments) {
@@ -46,17 +46,19 @@ int run_solar(const solar_arguments& arguments) {
     options.solar_progress = qv_show_solar_progress(progress);
     study = qv_run_study(options, qv_show_study_progress(progress));
   }
-  qv_print_notes(study.context_notes);
   const qv_surface_sun* sun = find_sun(study, id);
   if (sun == nullptr) {
     throw qv_input_error(
         qv_input_error::kind::bad_input, {arguments.study.model, 0, {}, id},
         study.sun.weather.empty() ? "does not say its latitude"
-                                  : "no wall or opening of this id stands towards the outside air",
+                                  : "no wall or opening of the id " + qv_quoted_id(id) +
+                                        " stands towards the outside air",
         study.sun.weather.empty() ? "name a weather file with --weather"
                                   : "take an id of walls.csv or openings.csv of `qv study`");
   }
-  qv_print(arguments.hourly ? qv_surface_hours(study, id) : sum_text(id, *sun));
+  qv_print_notes(study.notes);
+  qv_print(arguments.hourly ? qv_surface_hours(study, id)
+                            : sum_text(id, *sun, qv_name_weather(study.sun)));
   return qv_exit_success;
 }
 
@@ -71,6 +73,7 @@ void qv_add_solar_command(qv_command& program) {
       program.add_command("solar", "Print what one wall or opening receives of the sun");
   command.add_model(arguments->study.model);
   command.add_required_option({"--surface", "ID", "Id of the wall or opening"}, solar.only);
+  command.add_north(arguments->study.north);
   qv_add_context_options(command, arguments->study.context);
   qv_add_solar_options(command, solar);
   command.add_flag("--hourly", "Every hour (CSV) instead of the months", arguments->hourly);

@@ -217,6 +217,14 @@ class epw_reader {
     for (std::size_t i = 0; i < missing_.size(); ++i)
       if (missing_[i] && position.get_angles(weather_.steps[i].middle).elevation > 0) ++dark;
     warn(dark, " steps by daylight have no irradiation in the file and count as dark");
+    // The sun sinks by 15° an hour at most, and the air lifts it by less than 1°.
+    const double night = -(15 * weather_.step_hours / 2 + 1);
+    std::size_t sunny_nights = 0;
+    for (const qv_weather_step& step : weather_.steps)
+      if (step.direct > 0 && position.get_angles(step.middle).elevation < night) ++sunny_nights;
+    warn(sunny_nights,
+         " steps have beam while the sun is down, and lose it: look at the place and the time zone "
+         "in the first line");
     warn(too_bright_, " steps have more irradiation than the sun can give");
     warn(surplus_records_, " rows are more than their hour has room for");
     const auto expected =

@@ -13,8 +13,9 @@ namespace qv {
 /// from 0:00 to 1:00, whether its minute is given as 0 or 60. Where DATA PERIODS tells of several
 /// records in an hour, these part the hour evenly in the order in which they stand. Every row has
 /// its own year; 29 February is taken in whatever year. Irradiations that are missing (9999 or
-/// more, empty or below 0) count as 0; how many by daylight is told in a warning, and so are rows
-/// that the period lacks, a last line that is cut off and times that do not follow each other.
+/// more, empty or below 0) count as 0; how many by daylight is told in a warning, and so are steps
+/// with beam while the sun is down (a wrong place or time zone), rows that the period lacks, a last
+/// line that is cut off and times that do not follow each other.
 ///
 /// Throws `qv_input_error`: no access for a file that cannot be read; bad input, with the line, for
 /// a file that does not begin with LOCATION, for a place without sense, a file without DATA PERIODS

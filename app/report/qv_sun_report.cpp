@@ -56,13 +56,13 @@ std::string hour_text(float watts) {
   return qv_number_text(static_cast<float>(std::round(watts * 100) / 100));
 }
 
-std::string name_weather(const qv_study_sun& sun) {
+}  // namespace
+
+std::string qv_name_weather(const qv_study_sun& sun) {
   if (sun.weather == qv_clear_sky_source)
     return "a clear sky all year, an upper bound; --weather FILE.epw takes that of a place.";
   return sun.place.empty() ? sun.weather : sun.weather + " (" + sun.place + ")";
 }
-
-}  // namespace
 
 void qv_write_sun(qv_json_writer& json, const qv_surface_sun* sun) {
   if (sun == nullptr) {
@@ -181,7 +181,7 @@ std::string qv_sun_summary(const qv_study_sun& sun) {
                    fmt::format("{:.2f}", group.area), fmt::format("{:.0f}", group.total),
                    group.area > 0 ? fmt::format("{:.0f}", group.total / group.area) : "–"});
   }
-  return table.text() + "  Weather: " + name_weather(sun) + '\n';
+  return table.text() + "  Weather: " + qv_name_weather(sun) + '\n';
 }
 
 }  // namespace qv

@@ -26,6 +26,9 @@ std::string qv_hourly_csv(const qv_study_results& study);
 /// hours were not kept with their parts.
 std::string qv_surface_hours(const qv_study_results& study, const std::string& id);
 
+/// The weather that was taken, in words for the user.
+std::string qv_name_weather(const qv_study_sun& sun);
+
 /// What the quarters receive, for the summary; empty when nothing was computed.
 std::string qv_sun_summary(const qv_study_sun& sun);
 

@@ -80,6 +80,10 @@ std::optional<qv_weather> get_weather(const qv_solar_options& options, qv_study_
           "the sun was not computed: the model does not say its latitude; --weather names a file");
       return std::nullopt;
     }
+    if (*here.latitude == 0.0 && here.longitude == 0.0)
+      study.notes.emplace_back(
+          "the model lies at latitude 0 and longitude 0, which files say that know no place: its "
+          "sun is that of the equator; --weather names a file");
     return qv_make_clear_sky_year(*here.latitude, here.longitude.value_or(0.0),
                                   here.elevation.value_or(0.0));
   }

@@ -156,6 +156,28 @@ TEST(qv_epw, takes_each_row_s_own_year_and_29_february_in_any) {
   EXPECT_EQ(weather.steps[1].middle.day, qv_make_moment(1999, 3, 1, 630, 0).day);
 }
 
+// A time zone of the wrong sign moves the days: their beam falls where the sun is down.
+TEST(qv_epw, says_that_there_is_beam_by_night) {
+  epw_text text;
+  for (int hour = 1; hour <= 24; ++hour) {
+    // The sun is up in Lyon from 3:55 to 19:35 on this day.
+    const bool is_up = hour > 4 && hour <= 20;
+    text.add_row("2001,6,21," + std::to_string(hour) + ",60", is_up ? "500" : "0", "0");
+  }
+  EXPECT_TRUE(qv_read_epw_bytes("w.epw", text.get()).warnings.empty());
+  text.location = "LOCATION,Lyon,-,FRA,test,0,45.75,4.85,-8.0,200.0";
+  const qv_weather weather = qv_read_epw_bytes("w.epw", text.get());
+  ASSERT_EQ(weather.warnings.size(), 1u);
+  EXPECT_TRUE(has_warning(weather, " steps have beam while the sun is down"));
+}
+
+TEST(qv_epw, reads_real_files_without_beam_by_night) {
+  for (const char* name : {"DEU_NW_Aachen.105010_TMYx.epw", "USA_CO_Golden-NREL.724666_TMY3.epw"}) {
+    if (!std::filesystem::exists(shared_epw(name))) GTEST_SKIP() << "no " << name;
+    EXPECT_FALSE(has_warning(qv_read_epw(shared_epw(name)), "while the sun is down")) << name;
+  }
+}
+
 TEST(qv_epw, counts_missing_values_by_daylight_as_dark_and_says_so) {
   epw_text text;
   text.add_row("2001,6,21,1,60", "9999", "9999");

@@ -232,6 +232,39 @@ TEST(qv_program, writes_the_sun_of_a_study_and_prints_that_of_a_surface) {
       qv_run({"solar", sample, "--weather", weather, "--quality", "draft", "--surface", "su-06"});
   EXPECT_THAT(months.output, HasSubstr("su-06: "));
   EXPECT_THAT(months.output, HasSubstr("month 12"));
+  EXPECT_THAT(months.output, HasSubstr("Weather: " + weather + " (Lyon)"));
+}
+
+// Of one surface the user is told what a study tells of all: which weather, and what is wrong with
+// it.
+TEST(qv_solar_command, tells_of_its_weather) {
+  const qv_temporary_folder folder;
+  std::string text = qv_file_content(sample);
+  const auto move_to = [&text](const char* tag, const char* degrees) {
+    const auto begin = text.find(tag) + std::string(tag).size();
+    text.replace(begin, text.find('<', begin) - begin, degrees);
+  };
+  const auto run = [&](const std::vector<std::string>& more) {
+    const std::string model = folder.path() / "house.xml";
+    std::ofstream(model) << text;
+    std::vector<std::string> words = {"solar",     model,   "--quality",    "draft",
+                                      "--surface", "su-06", "--reflexions", "0"};
+    words.insert(words.end(), more.begin(), more.end());
+    return qv_run(words);
+  };
+  const auto at_home = run({"--weather", weather});
+  EXPECT_EQ(at_home.errors, "");
+  move_to("<Latitude>", "0");
+  move_to("<Longitude>", "0.0");
+  EXPECT_THAT(run({"--weather", weather}).errors,
+              HasSubstr("qv: note: " + weather + ": is the weather of another place"));
+  const auto nowhere = run({});
+  EXPECT_THAT(nowhere.errors, HasSubstr("qv: note: the model lies at latitude 0 and longitude 0"));
+  EXPECT_THAT(nowhere.output, HasSubstr("Weather: a clear sky all year"));
+  // The wall looks elsewhere.
+  const auto turned = run({"--weather", weather, "--north", "180"});
+  EXPECT_EQ(turned.exit_code, 0);
+  EXPECT_NE(turned.output, at_home.output);
 }
 
 TEST(qv_program, understands_the_options_of_the_sun) {
@@ -252,7 +285,7 @@ TEST(qv_program, understands_the_options_of_the_sun) {
   EXPECT_FALSE(fs::exists(out));
   const auto stranger = qv_run({"solar", sample, "--surface", "nobody", "--weather", weather});
   EXPECT_EQ(stranger.exit_code, 3);
-  EXPECT_THAT(stranger.errors, HasSubstr("no wall or opening of this id"));
+  EXPECT_THAT(stranger.errors, HasSubstr("no wall or opening of the id \"nobody\" stands"));
 }
 
 TEST(qv_program, leaves_nothing_behind_when_it_is_interrupted) {
