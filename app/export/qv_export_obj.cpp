@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <unordered_map>
 
 #include "app/export/qv_export_groups.h"
 #include "app/report/qv_utf8.h"
@@ -35,13 +36,32 @@ std::string word(const std::string& name) {
   return text;
 }
 
+// A second line of one name would go on with the first one's group.
+class group_names {
+ public:
+  std::string give(const std::string& name) {
+    const auto [last, is_new] = last_numbers_.try_emplace(name, 1);
+    if (is_new) return name;
+    std::string numbered;
+    do {
+      numbered = name + '-' + std::to_string(++last->second);
+    } while (last_numbers_.contains(numbered));
+    last_numbers_.emplace(numbered, 1);
+    return numbered;
+  }
+
+ private:
+  std::unordered_map<std::string, int> last_numbers_;  // of each name that was given
+};
+
 }  // namespace
 
 std::string qv_export_obj(qv_scene& scene, const qv_double3& origin) {
   std::string text = "# metres, Z upwards; a group for each item, its kind as material\n";
+  group_names names;
   int first = 1;  // indices count from 1 through the whole file
   for (const qv_export_group& group : qv_collect_export_groups(scene)) {
-    text += "g " + word(group.name) + "\nusemtl " + word(group.kind) + "\n";
+    text += "g " + names.give(word(group.name)) + "\nusemtl " + word(group.kind) + "\n";
     for (const qv_3dvector& vertex : group.triangles.vertices) {
       text += 'v';
       append_coordinate(text, vertex.x, origin.x);

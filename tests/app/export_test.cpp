@@ -317,6 +317,29 @@ TEST_F(export_house, obj_has_a_group_for_each_item_and_the_areas_of_the_walls) {
       EXPECT_TRUE(index >= 1 && index <= static_cast<int>(obj.vertices.size()));
 }
 
+// Readers take a second group of one name for more of the first.
+TEST(export_obj, gives_items_of_one_name_groups_of_their_own) {
+  qv_load_bim_items();
+  qv_gbxml_text text;
+  text.box("a", {0, 0, 0}, {4, 5, 3});
+  double x = 10;
+  for (const char* name : {"Slab-2", "Slab", "Slab", "Slab"}) {
+    text.surface("shade-" + std::to_string(static_cast<int>(x)), "Shade", {},
+                 "<Name>" + std::string(name) + "</Name>" +
+                     qv_gbxml_text::planar({{x, 0, 0}, {x + 1, 0, 0}, {x + 1, 1, 0}, {x, 1, 0}}));
+    x += 2;
+  }
+  const qv::qv_gbxml_model model = compute(text.read());
+  const std::string obj = qv::qv_export_obj(*model.scene);
+  std::map<std::string, int> groups;
+  std::istringstream lines(obj);
+  for (std::string line; std::getline(lines, line);)
+    if (line.starts_with("g Slab")) ++groups[line];
+  const std::map<std::string, int> expected = {
+      {"g Slab-2", 1}, {"g Slab", 1}, {"g Slab-3", 1}, {"g Slab-4", 1}};
+  EXPECT_EQ(groups, expected);
+}
+
 std::string from_base64(const std::string& text) {
   static const std::string digits =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
