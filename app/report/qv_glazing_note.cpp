@@ -219,10 +219,25 @@ bool has_unread_front(const glazing_calculation& found) {
   return false;
 }
 
+// Whether a gap lies beside something else than a pane.
+bool is_open_gap(const glazing_calculation& found, std::size_t index) {
+  const auto& steps = found.steps;
+  if (steps[index].sort != kind::gap) return false;
+  return index == 0 || index + 1 == steps.size() || steps[index - 1].sort != kind::pane ||
+         steps[index + 1].sort != kind::pane;
+}
+
 std::string notes_part(const glazing_calculation& found) {
   std::size_t gap_count = 0;
   for (const glazing_layer_step& step : found.steps) gap_count += step.sort == kind::gap ? 1 : 0;
   std::string text;
+  for (std::size_t i = 0; i < found.steps.size(); ++i)
+    if (is_open_gap(found, i))
+      text += fmt::format(
+          "  Note: gap {} has no pane on one side, as no glazing has it: next to nothing is "
+          "counted\n"
+          "        as radiating across it, which makes U too small.\n",
+          layer_text(found, i));
   if (has_unread_front(found))
     text += fmt::format(
         "  Note: the emissivity of a pane behind a gap is read from its back face. By its front\n"

@@ -102,7 +102,8 @@ std::string spaces_part(const qv_study_results& study) {
 
 // How many findings there are of each kind.
 std::string findings_part(const std::vector<qv_finding>& findings) {
-  qv_text_table table({{"Findings"}, {"", right}, {""}});
+  constexpr std::size_t any_width = 100;  // words of ours, to be read to their end
+  qv_text_table table({{"Findings"}, {"", right}, {"", left, any_width}});
   for (const qv_check_code& code : qv_check_codes()) {
     const auto count = std::count_if(findings.begin(), findings.end(),
                                      [&](const auto& f) { return f.code == code.code; });

@@ -8,7 +8,8 @@ namespace qv {
 
 void qv_text_table::add_row(std::vector<std::string> cells) {
   cells.resize(columns_.size());
-  for (std::string& cell : cells) cell = qv_fit_to_width(cell, widest_cell);
+  for (std::size_t index = 0; index < cells.size(); ++index)
+    cells[index] = qv_fit_to_width(cells[index], columns_[index].widest);
   rows_.push_back(std::move(cells));
 }
 

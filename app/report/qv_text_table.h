@@ -11,9 +11,13 @@ namespace qv {
 class qv_text_table {
  public:
   enum class align { left, right };
+  /// Widest text that a cell shows unless its column says otherwise; longer ones are cut.
+  static constexpr std::size_t widest_cell = 48;
+
   struct column {
     std::string title;
     align side = align::left;
+    std::size_t widest = widest_cell;
   };
 
   explicit qv_text_table(std::vector<column> columns) : columns_(std::move(columns)) {}
@@ -24,9 +28,6 @@ class qv_text_table {
   void add_rule();
   /// Titles, rows and rules, a line each, without blanks at the ends of the lines.
   std::string text() const;
-
-  /// Widest text that a cell shows; longer ones are cut.
-  static constexpr std::size_t widest_cell = 48;
 
  private:
   std::vector<column> columns_;

@@ -214,6 +214,23 @@ TEST(qv_glazing_command, prints_the_note_of_the_notation_and_of_a_file) {
   EXPECT_EQ(qv_run({"glazing", path}).output, run.output);
 }
 
+// A pane that was forgotten makes a better glazing than any.
+TEST(qv_glazing_command, says_where_a_gap_has_no_pane_on_one_side) {
+  const auto count = [](const std::string& notation) {
+    const std::string text = qv_run({"glazing", notation}).output;
+    const std::string note = " has no pane on one side";
+    std::size_t found = 0;
+    for (auto at = text.find(note); at != std::string::npos; at = text.find(note, at + 1)) ++found;
+    return found;
+  };
+  EXPECT_EQ(count("4 / 16 argon / 4"), 0u);
+  EXPECT_EQ(count("4 low-e / 16 argon / 4 / 0.76 interlayer / 4"), 0u);
+  EXPECT_EQ(count("4 / 16 argon"), 1u);
+  EXPECT_EQ(count("16 argon"), 1u);
+  EXPECT_EQ(count("4 / 10 air / 10 argon / 4"), 2u);
+  EXPECT_THAT(qv_run({"glazing", "4 / 16 argon"}).output, HasSubstr("Note: gap 2 argon has no"));
+}
+
 TEST(qv_glazing_command, tells_what_is_wrong_in_one_line) {
   const qv_temporary_folder place;
   const auto expect_told = [](const std::vector<std::string>& words, int code, const char* told) {

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/check/qv_finding.h"
 #include "app/report/qv_study_csv.h"
 #include "app/report/qv_study_json.h"
 #include "app/report/qv_study_summary.h"
@@ -295,6 +296,15 @@ TEST(qv_study_summary, cuts_a_long_list_and_says_where_the_rest_is) {
   const std::string text = qv::qv_study_summary(study);
   EXPECT_THAT(text, HasSubstr("… 5 more, see spaces.csv"));
   EXPECT_THAT(text, Not(HasSubstr("  s60 ")));
+}
+
+TEST(qv_study_summary, says_what_a_finding_is_to_the_end) {
+  qv::qv_study_results study;
+  for (const qv::qv_check_code& code : qv::qv_check_codes())
+    study.findings.push_back({code.code, "Space", "s", std::nullopt, "m"});
+  const std::string text = qv::qv_study_summary(study);
+  for (const qv::qv_check_code& code : qv::qv_check_codes())
+    EXPECT_THAT(text, HasSubstr(std::string(code.meaning) + "\n"));
 }
 
 TEST(qv_text_table, aligns_by_columns_not_bytes) {
