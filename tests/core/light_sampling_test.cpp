@@ -172,6 +172,20 @@ TEST(qv_raytracer, finds_the_light_of_a_packet_as_of_single_rays) {
   }
 }
 
+TEST(qv_raytracer, looks_behind_a_plane_by_the_corners_of_triangles_not_by_all_vertices) {
+  // Shared corners, and vertices of no triangle beyond the plane.
+  const owned<qvi_mesh> mesh(new qvi_mesh);
+  mesh->load_from_triangles(
+      {{0, 0, 9}, {0, 0, 0}, {4, 0, 0}, {4, 4, 1}, {0, 4, 1}, {0, 0, 9}, {0, 0, 9}},
+      {1, 2, 3, 1, 3, 4});
+  const auto other = make_mesh(square(1, 0.5f));
+  qv_raytracer tracer({mesh.get(), other.get()});
+  tracer.update();
+  EXPECT_TRUE(tracer.is_all_behind({0, 0, 1}, {0, 0, 1}, 1e-5f));
+  EXPECT_FALSE(tracer.is_all_behind({0, 0, 0.9f}, {0, 0, 1}, 1e-5f));
+  EXPECT_TRUE(tracer.is_all_behind({0, 0, 0}, {0, 0, -1}, 1e-5f));
+}
+
 TEST(qv_raytracer, knows_whether_all_lies_behind_a_plane) {
   const auto mesh = make_mesh(box({0, 0, 0}, {2, 3, 4}));
   const auto other = make_mesh(square(1, 6));

@@ -488,12 +488,9 @@ bool qv_raytracer::is_all_behind(const qv_3dvector& point, const qv_3dvector& no
   for (const level& l : kernel_->levels) {
     const float limit = (point - l.centre).dot(normal) + tolerance;
     for (std::size_t i = 0; i < l.primitives.size(); ++i) {
-      const float* corners = &l.vertices[i * 9];
-      const float x = normal.x, y = normal.y, z = normal.z;
-      const float a = corners[0] * x + corners[1] * y + corners[2] * z;
-      const float b = corners[3] * x + corners[4] * y + corners[5] * z;
-      const float c = corners[6] * x + corners[7] * y + corners[8] * z;
-      if (std::max({a, b, c}) > limit && l.primitives[i].slot >= 0) return false;
+      if (l.primitives[i].slot < 0) continue;
+      for (std::size_t k = 3 * i; k < 3 * i + 3; ++k)
+        if (l.get_vertex(l.indices[k]).dot(normal) > limit) return false;
     }
   }
   return true;

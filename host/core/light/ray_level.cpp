@@ -68,11 +68,6 @@ void level::swap(level& other) noexcept {
   std::swap(centre, other.centre);
 }
 
-qv_3dvector level::get_vertex(std::uint32_t index) const {
-  const float* const first = &vertices[std::size_t{3} * index];
-  return {first[0], first[1], first[2]};
-}
-
 void level::append(qvi_mesh* mesh, int slot) {
   const qv_list<qv_3dvector>& points = mesh->get_triangle_vertices();
   const qv_list<int>& triangles = mesh->get_triangle_indices();

@@ -36,6 +36,10 @@ struct level {
   /// Adds the mesh's vertices, where they are, and its triangles, those left out that are not
   /// finite or have no area.
   void append(qvi_mesh* mesh, int slot);
+  qv_3dvector get_vertex(std::uint32_t index) const {
+    const float* const first = &vertices[std::size_t{3} * index];
+    return {first[0], first[1], first[2]};
+  }
   /// Builds the hierarchy, around `common_centre` when that is near enough to the triangles'.
   void commit(const qv_3dvector* common_centre);
   bool has_dead() const { return live != primitives.size(); }
@@ -54,7 +58,6 @@ struct level {
   qv_3dvector centre;
 
  private:
-  qv_3dvector get_vertex(std::uint32_t index) const;
   void swap(level& other) noexcept;
 };
 
