@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <map>
 #include <unordered_map>
 #include <unordered_set>
@@ -43,7 +44,9 @@ std::string label_of(const qv_list<std::string>& labels, int index) {
 
 // A category of parts: its rank among all, which tells its colour, and its name.
 struct category {
-  static constexpr std::size_t unknown = static_cast<std::size_t>(-1);
+  // Those that come after all others, in grey.
+  static constexpr std::size_t no_room = std::numeric_limits<std::size_t>::max();
+  static constexpr std::size_t unknown = no_room - 1;
   std::size_t rank = unknown;
   std::string label;
 };
@@ -51,36 +54,54 @@ struct category {
 // Gathers a key from the parts in the order of the ranks.
 class key_maker {
  public:
-  void add(const category& found, const qv_color& color, double amount = 1) {
+  // Counts an item, or a room, once, however many parts show it; null is not counted.
+  void add(const category& found, const qv_color& color, const qv_item* shown, double amount = 1) {
     auto& [entry, sum] = entries_[found.rank];
     entry.color = color;
     entry.label = found.label;
-    sum += amount;
-  }
-  // Counts a room once, however many surfaces it shows.
-  void add_room(const category& found, const qv_color& color, const qvi_space* space) {
-    add(found, color, rooms_.insert(space).second ? 1 : 0);
+    if (shown != nullptr && counted_.insert(shown).second) sum += amount;
   }
 
+  // An entry of which nothing was counted says no amount.
   std::vector<qv_picture_key::entry> take(const char* pattern, bool line = false) {
     std::vector<qv_picture_key::entry> result;
     for (auto& [rank, counted] : entries_) {
-      counted.first.amount = fmt::format(fmt::runtime(pattern), counted.second);
-      counted.first.line = line;
-      result.push_back(std::move(counted.first));
+      auto& [entry, sum] = counted;
+      if (sum > 0) entry.amount = fmt::format(fmt::runtime(pattern), sum);
+      entry.line = line;
+      result.push_back(std::move(entry));
     }
     return result;
   }
 
  private:
   std::map<std::size_t, std::pair<qv_picture_key::entry, double>> entries_;
-  std::unordered_set<const qvi_space*> rooms_;
+  std::unordered_set<const qv_item*> counted_;
 };
 
 constexpr const char* count_pattern = "{:.0f}";
 
 qv_color category_color(const category& found) {
-  return found.rank == category::unknown ? qv_unknown_color() : qv_category_color(found.rank);
+  return found.rank >= category::unknown ? qv_unknown_color() : qv_category_color(found.rank);
+}
+
+// Colours each part as `find` says of it, a category and its colour, and counts the items.
+template <class Find>
+qv_coloring color_by_kind(const qv_picture_geometry& geometry, const std::string& title,
+                          Find find) {
+  qv_coloring result;
+  key_maker key;
+  for (const qv_picture_part& part : geometry.parts) {
+    if (part.is_plan_floor) {
+      result.colors.push_back(pale_color);
+      continue;
+    }
+    const std::pair<category, qv_color> found = find(part);
+    result.colors.push_back(found.second);
+    key.add(found.first, found.second, part.item);
+  }
+  result.key = {title, {}, key.take(count_pattern)};
+  return result;
 }
 
 // Ranks by label in the order given; the same label has one rank.
@@ -136,34 +157,18 @@ std::string type_of(const qv_picture_part& part) {
 }
 
 qv_coloring color_by_contact_type(const qv_picture_geometry& geometry) {
-  qv_coloring result;
-  key_maker key;
-  for (const qv_picture_part& part : geometry.parts) {
-    auto [found, color] = find_fixed(contact_categories, part.kind);
-    if (part.glazed) {
-      found = {glass_rank, "glazed opening"};
-      color = glass_color;
-    } else if (part.item->has_type("opening")) {
-      found = {panel_rank, "opaque opening"};
-      color = panel_color;
-    }
-    result.colors.push_back(color);
-    key.add(found, color);
-  }
-  result.key = {"Contact type", {}, key.take(count_pattern)};
-  return result;
+  using found = std::pair<category, qv_color>;
+  return color_by_kind(geometry, "Contact type", [](const qv_picture_part& part) {
+    if (part.glazed) return found{{glass_rank, "glazed opening"}, glass_color};
+    if (part.item->has_type("opening")) return found{{panel_rank, "opaque opening"}, panel_color};
+    return find_fixed(contact_categories, part.kind);
+  });
 }
 
 qv_coloring color_by_type(const qv_picture_geometry& geometry) {
-  qv_coloring result;
-  key_maker key;
-  for (const qv_picture_part& part : geometry.parts) {
-    const auto [found, color] = find_fixed(type_categories, type_of(part));
-    result.colors.push_back(color);
-    key.add(found, color);
-  }
-  result.key = {"Type", {}, key.take(count_pattern)};
-  return result;
+  return color_by_kind(geometry, "Type", [](const qv_picture_part& part) {
+    return find_fixed(type_categories, type_of(part));
+  });
 }
 
 // --- rooms ---
@@ -178,10 +183,10 @@ qv_coloring color_by_room(const qv_picture_geometry& geometry, const std::string
       continue;
     }
     const category found =
-        part.space != nullptr ? category_of(part.space) : category{category::unknown, "no room"};
+        part.space != nullptr ? category_of(part.space) : category{category::no_room, "no room"};
     const qv_color color = category_color(found);
     result.colors.push_back(color);
-    key.add_room(found, color, part.space);
+    key.add(found, color, part.space);
   }
   result.key = {title, {}, key.take(count_pattern)};
   return result;
@@ -219,18 +224,12 @@ qv_coloring color_by_material(const qv_picture_subject& subject,
   for (const char* type : {"wall", "opening"})
     for (const qv_item* item : subject.scene->get_items(type))
       if (const qv_item* composition = composition_of(item)) ranks.add(composition->get_name());
-  qv_coloring result;
-  key_maker key;
-  for (const qv_picture_part& part : geometry.parts) {
+  return color_by_kind(geometry, "Composition", [&ranks](const qv_picture_part& part) {
     const qv_item* composition = composition_of(part.item);
     const category found = composition != nullptr ? ranks.find(composition->get_name())
                                                   : category{category::unknown, "no composition"};
-    const qv_color color = category_color(found);
-    result.colors.push_back(color);
-    key.add(found, color);
-  }
-  result.key = {"Composition", {}, key.take(count_pattern)};
-  return result;
+    return std::pair(found, category_color(found));
+  });
 }
 
 // --- values ---
@@ -256,23 +255,28 @@ qv_picture_key::scale scale_of(std::vector<double> values) {
 }
 
 qv_coloring color_by_u(const qv_picture_subject& subject, const qv_picture_geometry& geometry) {
-  std::vector<double> values;
+  std::unordered_map<const qv_item*, double> shown;
   for (const qv_picture_part& part : geometry.parts) {
-    const auto found = subject.u_values.find(part.item);
-    if (found != subject.u_values.end()) values.push_back(found->second);
+    const auto known = subject.u_values.find(part.item);
+    if (known != subject.u_values.end() && !part.is_plan_floor) shown.insert(*known);
   }
+  std::vector<double> values;
+  values.reserve(shown.size());
+  for (const auto& [item, value] : shown) values.push_back(value);
   qv_coloring result;
   result.key.title = "U value, W/(m²·K)";
   const qv_picture_key::scale scale = scale_of(values);
   if (!values.empty()) result.key.values = scale;
   key_maker key;
   for (const qv_picture_part& part : geometry.parts) {
-    const auto found = subject.u_values.find(part.item);
-    if (found != subject.u_values.end()) {
-      result.colors.push_back(qv_loss_color((found->second - scale.low) / scale.high));
+    const auto known = shown.find(part.item);
+    if (part.is_plan_floor) {
+      result.colors.push_back(pale_color);
+    } else if (known != shown.end()) {
+      result.colors.push_back(qv_loss_color((known->second - scale.low) / scale.high));
     } else {
       result.colors.push_back(qv_unknown_color());
-      key.add({category::unknown, "not known"}, qv_unknown_color());
+      key.add({category::unknown, "not known"}, qv_unknown_color(), part.item);
     }
   }
   result.key.entries = key.take(count_pattern);
@@ -308,7 +312,7 @@ qv_coloring color_bridges(const qv_picture_subject& subject, const qv_picture_ge
     const qv_color color =
         known == ranks.end() ? untyped_line_color : qv_category_color(known->second);
     result.colors.push_back(color);
-    key.add(found, color, static_cast<const qvi_connexion*>(part.item)->get_length());
+    key.add(found, color, part.item, static_cast<const qvi_connexion*>(part.item)->get_length());
   }
   result.key = {"Thermal bridges", {}, key.take("{:.1f} m", true)};
   return result;

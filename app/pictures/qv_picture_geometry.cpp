@@ -66,7 +66,7 @@ std::unordered_set<const qv_item*> walls_of(qv_scene& scene, int storey) {
   return walls;
 }
 
-// The middle of what is finite in the groups, and of the ends of lines.
+// The middle of what is finite in the groups.
 qv_double3 middle_of(const std::vector<qv_export_group>& groups) {
   constexpr double far = std::numeric_limits<double>::infinity();
   qv_double3 low(far, far, far);
@@ -128,7 +128,9 @@ class geometry_maker {
   }
 
   void add_floor(const qv_export_group& group, const qvi_space& space) {
-    begin_part(group.item, group.kind).space = &space;
+    qv_picture_part& part = begin_part(group.item, group.kind);
+    part.space = &space;
+    part.is_plan_floor = true;
     add_triangles(group);
     end_part();
   }
@@ -272,13 +274,16 @@ const qvi_space* space_of(const qvi_wall* wall, std::optional<int> storey) {
   return first;
 }
 
-void add_surfaces(geometry_maker& maker, qv_scene& scene, std::optional<int> storey) {
+// Adds the surfaces of a model, or of a storey; returns the walls of that storey.
+std::unordered_set<const qv_item*> add_surfaces(geometry_maker& maker, qv_scene& scene,
+                                                std::optional<int> storey) {
   std::unordered_set<const qv_item*> walls;
   if (storey) walls = walls_of(scene, *storey);
   for (const qv_export_group& group : maker.get_groups()) {
     const qvi_wall* wall = wall_of(group.item);
     if (!storey || walls.count(wall) != 0) maker.add_surface(group, space_of(wall, storey));
   }
+  return walls;
 }
 
 struct level_range {
@@ -363,9 +368,7 @@ qv_picture_geometry qv_collect_surfaces(qv_scene& scene, const std::vector<qv_ex
 qv_picture_geometry qv_collect_bridges(qv_scene& scene, const std::vector<qv_export_group>& groups,
                                        std::optional<int> storey) {
   geometry_maker maker(groups);
-  add_surfaces(maker, scene, storey);
-  std::unordered_set<const qv_item*> walls;
-  if (storey) walls = walls_of(scene, *storey);
+  const std::unordered_set<const qv_item*> walls = add_surfaces(maker, scene, storey);
   for (qv_item* item : scene.get_items("connexion")) {
     auto& connexion = static_cast<qvi_connexion&>(*item);
     if (!connexion.is_lossy()) continue;

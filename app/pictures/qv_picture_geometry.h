@@ -28,6 +28,8 @@ struct qv_picture_part {
   std::string kind;
   /// One sees through it.
   bool glazed = false;
+  /// In a plan the floor of a room, on which its walls stand: it tells of the room, not of itself.
+  bool is_plan_floor = false;
   qv_picture_run triangles;  // in `corners`, a multiple of three
   qv_picture_run lines;      // in `line_ends`, even: drawn thick
 };

@@ -131,6 +131,13 @@ TEST_F(qv_coloring_of_rooms, counts_rooms_once_by_zone_and_storey) {
   EXPECT_EQ(text_of(color(qv_picture_color::storey).key), "Storey (rooms): 0 2, 1 2,");
 }
 
+TEST_F(qv_coloring_of_rooms, keeps_rooms_without_a_zone_apart_from_what_bounds_no_room) {
+  qv_test::add_wall(scene_, qv::qvi_wall::wall_type::wall, nullptr, nullptr,
+                    qv_test::rectangle({0, 90, 0}, {4, 90, 0}, {0, 90, 3}));
+  scene_.precompute();
+  EXPECT_EQ(text_of(color(qv_picture_color::zone).key), "Zone (rooms): no zone 4, no room ,");
+}
+
 TEST_F(qv_coloring_of_rooms, gives_a_composition_one_colour_wherever_it_is) {
   auto* const brick = new qv::qvi_composition;
   brick->set_name("brick");
@@ -232,6 +239,26 @@ TEST_F(qv_coloring_of_rooms, cuts_a_storey_at_walls_and_names_its_rooms) {
   EXPECT_NEAR(low, high, 1e-5);  // one level
   EXPECT_GT(low, 0.8);
   EXPECT_LT(high, 1.3);
+}
+
+TEST_F(qv_coloring_of_rooms, counts_each_wall_of_a_plan_once_and_no_floor) {
+  for (std::size_t i = 0; i < 4; ++i) block_.spaces[i]->set_floor(i < 2 ? 0 : 1);
+  for (const qv::qvi_wall* wall : block_.walls) subject_.u_values[wall] = 0.4;
+  qv::qvi_wall* floor = block_.spaces[0]->get_floors()[0];
+  subject_.u_values[floor] = 5;
+  geometry_ = qv::qv_collect_plan(scene_, qv::qv_collect_export_groups(scene_), 0);
+  const auto key_of = [&](qv_picture_color what) {
+    return qv::qv_color_parts(subject_, geometry_, what).key;
+  };
+  // The inner wall is cut from either room.
+  EXPECT_EQ(text_of(key_of(qv_picture_color::contact_type)),
+            "Contact type: outer wall 6, inner wall 1,");
+  EXPECT_EQ(text_of(key_of(qv_picture_color::type)), "Type: wall 7,");
+  EXPECT_EQ(text_of(key_of(qv_picture_color::material)), "Composition: no composition 7,");
+  EXPECT_EQ(text_of(key_of(qv_picture_color::zone)), "Zone (rooms): no zone 2,");
+  EXPECT_DOUBLE_EQ(key_of(qv_picture_color::u).values->high, 0.4);
+  subject_.u_values.clear();
+  EXPECT_EQ(text_of(key_of(qv_picture_color::u)), "U value, W/(m²·K): not known 7,");
 }
 
 }  // namespace
