@@ -17,10 +17,11 @@ qv_frame_buffer::qv_frame_buffer(int width, int height) : width_(width), height_
   make(pixels_, 0);
   make(samples_, sample_count);
   const bool complete = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
-  if (!complete || glGetError() != GL_NO_ERROR) {
+  const bool fault = glGetError() != GL_NO_ERROR;  // which is forgotten with that
+  if (!complete || fault) {
     free(samples_);
     free(pixels_);
-    throw qv_no_drawing("a picture of that size is refused");
+    throw qv_no_drawing("a picture of that size is refused", "ask for a smaller one");
   }
   glViewport(0, 0, width_, height_);
 }

@@ -110,9 +110,8 @@ EGLDisplay open_display(const egl_library& egl) {
 
 }  // namespace
 
-qv_no_drawing::qv_no_drawing(const std::string& problem)
-    : qv_input_error(kind::no_access, {"OpenGL", 0, {}, {}}, "cannot draw: " + problem,
-                     "install the packages libegl1 and libgl1-mesa-dri") {}
+qv_no_drawing::qv_no_drawing(const std::string& problem, const std::string& advice)
+    : qv_input_error(kind::no_access, {"OpenGL", 0, {}, {}}, "cannot draw: " + problem, advice) {}
 
 struct qv_gl_context::handles {
   const egl_library& egl = egl_library::get();
@@ -146,11 +145,17 @@ qv_gl_context::qv_gl_context() : handles_(std::make_unique<handles>()) {
                                EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT,
                                EGL_NONE};
   own.context = own.egl.create_context(own.display, config, EGL_NO_CONTEXT, attributes);
-  if (own.context == EGL_NO_CONTEXT ||
-      own.egl.make_current(own.display, EGL_NO_SURFACE, EGL_NO_SURFACE, own.context) == EGL_FALSE)
+  if (own.context == EGL_NO_CONTEXT)
     throw qv_no_drawing("OpenGL 4.5 with the compatibility profile is not to be had");
+  make_current();
 }
 
 qv_gl_context::~qv_gl_context() = default;
+
+void qv_gl_context::make_current() {
+  const handles& own = *handles_;
+  if (own.egl.make_current(own.display, EGL_NO_SURFACE, EGL_NO_SURFACE, own.context) == EGL_FALSE)
+    throw qv_no_drawing("OpenGL refuses its context");
+}
 
 }  // namespace qv

@@ -61,7 +61,8 @@ qv_picture_geometry collect(const qv_picture_subject& subject, const qv_picture_
   return qv_collect_surfaces(scene, groups, options.storey);
 }
 
-// A plan tells by its floors what is told of rooms, and by its walls what is told of walls.
+// A plan tells by its floors what is told of rooms, and by its walls what is told of walls. Its
+// lines are opaque, and so is the key to them.
 void adapt_to_plan(const qv_picture_geometry& geometry, const qv_picture_options& options,
                    qv_coloring& coloring) {
   std::vector<qv_color>& colors = coloring.colors;
@@ -76,9 +77,10 @@ void adapt_to_plan(const qv_picture_geometry& geometry, const qv_picture_options
       colors[i] = part.item->has_type("opening") ? glass_color : wall_color;
     }
   }
-  if (colors_rooms(options))
-    for (qv_picture_key::entry& entry : coloring.key.entries)
-      entry.color = qv_lighter(entry.color, floor_lightening);
+  for (qv_picture_key::entry& entry : coloring.key.entries) {
+    if (colors_rooms(options)) entry.color = qv_lighter(entry.color, floor_lightening);
+    entry.color.a = 1;
+  }
 }
 
 qv_paint_style style_of(const qv_picture_options& options, double text_size) {
@@ -99,11 +101,10 @@ qv_paint_style style_of(const qv_picture_options& options, double text_size) {
 std::string title_of(const qv_picture_options& options, double azimuth) {
   std::string title;
   const auto elevation = [azimuth](const char* quarter, double faces) {
-    const double turned = std::fmod(std::fmod(faces + azimuth, 360.0) + 360.0, 360.0);
-    // Square to the compass, near enough for a whole degree.
-    const bool square = std::abs(std::remainder(turned - faces, 360.0)) < 0.5;
+    // Whole degrees, 0 to 359.
+    const double turned = std::fmod(std::round(std::fmod(faces + azimuth, 360.0)) + 360.0, 360.0);
     return fmt::format("{} elevation{}", quarter,
-                       square ? std::string() : fmt::format(", facing {:.0f}°", turned));
+                       turned == faces ? std::string() : fmt::format(", facing {:.0f}°", turned));
   };
   switch (options.view) {
     case qv_picture_view::iso:
@@ -151,6 +152,7 @@ qv_picture qv_picture_maker::draw(const qv_picture_subject& subject,
   qv_coloring coloring = qv_color_parts(subject, geometry, options.color);
   if (is_cut(options)) adapt_to_plan(geometry, options, coloring);
 
+  context_.make_current();
   qv_frame_buffer frame(options.width, options.height);
   qv_canvas ruler(qv_pixels{1, 1, {0}});
   qv_camera camera(options.view, subject.azimuth);

@@ -32,7 +32,8 @@ struct qv_picture {
   std::vector<std::string> notes;
 };
 
-/// Draws pictures of models; makes its OpenGL context once and keeps it.
+/// Draws pictures of models; makes its OpenGL context once and keeps it. There may be several, each
+/// belongs to the thread that made it.
 ///
 /// A picture is the same on every machine that draws by the processor with the same libraries,
 /// whatever the number of its threads.

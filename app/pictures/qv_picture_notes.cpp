@@ -79,7 +79,7 @@ key_columns measure_columns(const qv_canvas& canvas, const qv_picture_key& key, 
 double bar_figure_width(const qv_canvas& canvas, const qv_picture_key::scale& scale, double size) {
   double widest = 0;
   for (const double figure : figures_of(scale))
-    widest = std::max(widest, canvas.measure("> " + figure_text(figure, scale.step), {size}).width);
+    widest = std::max(widest, canvas.measure("≥ " + figure_text(figure, scale.step), {size}).width);
   return widest;
 }
 

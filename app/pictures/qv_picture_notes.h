@@ -26,7 +26,8 @@ struct qv_picture_layout {
 qv_picture_layout qv_lay_out_picture(qv_canvas& canvas, int width, int height,
                                      const qv_picture_key* key, const qv_camera& camera);
 
-/// Title and key; a key with more entries than there is room for says how many are left out.
+/// The key under its own title; where there is no room for all entries it says how many are left
+/// out.
 void qv_write_key(qv_canvas& canvas, const qv_picture_layout& layout, const qv_picture_key& key);
 
 /// The picture's title in the upper left corner.

@@ -183,14 +183,12 @@ TEST_F(picture_of_scene, is_the_same_every_time) {
   qv_test::add_street(scene_, 2);
   const qv::qv_pixels first = draw();
   EXPECT_EQ(draw().rows, first.rows);
-  qv::qv_picture_maker another;
-  qv::qv_picture_subject subject;
-  subject.scene = &scene_;
-  qv::qv_picture_options options;
-  options.with_key = false;
-  options.width = 160;
-  options.height = 120;
-  EXPECT_EQ(another.draw(subject, options, "scene").pixels.rows, first.rows);
+  {
+    qv::qv_picture_maker another;
+    EXPECT_EQ(draw(another, scene_, small()).pixels.rows, first.rows);
+    EXPECT_EQ(draw().rows, first.rows);
+  }
+  EXPECT_EQ(draw().rows, first.rows);  // the other one is gone
 }
 
 TEST_F(picture_of_scene, is_the_same_400_km_away) {
@@ -200,13 +198,7 @@ TEST_F(picture_of_scene, is_the_same_400_km_away) {
   // Floats lie 1/32 m apart there, so that these are exact.
   qv_test::add_box_room(far, {400000, 300000, 0}, {4, 4, 3}, 0.25f);
   far.precompute();
-  qv::qv_picture_subject subject;
-  subject.scene = &far;
-  qv::qv_picture_options options;
-  options.with_key = false;
-  options.width = 160;
-  options.height = 120;
-  EXPECT_EQ(maker_.draw(subject, options, "far").pixels.rows, here.rows);
+  EXPECT_EQ(draw(maker_, far, small()).pixels.rows, here.rows);
 }
 
 TEST_F(picture_of_scene, has_the_size_asked_for) {
@@ -221,6 +213,64 @@ TEST_F(picture_of_scene, has_the_size_asked_for) {
     EXPECT_EQ(picture.height, height);
     EXPECT_EQ(picture.rows.size(), static_cast<std::size_t>(width * height));
   }
+}
+
+TEST_F(picture_of_scene, of_a_size_that_is_refused_asks_for_a_smaller_one) {
+  add_surface(qv_test::rectangle({0, 0, 0}, {4, 0, 0}, {0, 0, 3}));
+  qv::qv_picture_options options;
+  options.width = 1 << 20;
+  try {
+    draw(options);
+    FAIL();
+  } catch (const qv::qv_no_drawing& refusal) {
+    EXPECT_STREQ(refusal.what(),
+                 "OpenGL: cannot draw: a picture of that size is refused; ask for a smaller one");
+  }
+  EXPECT_EQ(draw().width, 160);
+}
+
+TEST_F(picture_of_scene, of_an_elevation_within_half_a_degree_of_north_faces_0_degrees) {
+  qv_test::add_box_room(scene_, {0, 0, 0}, {4, 4, 3});
+  scene_.precompute();
+  qv::qv_picture_options options;
+  options.view = qv_picture_view::east;
+  options.width = 460;
+  options.height = 230;
+  const auto title_of = [&](double azimuth) {
+    qv::qv_picture_subject subject;
+    subject.scene = &scene_;
+    subject.azimuth = azimuth;
+    std::vector<std::uint32_t> rows = maker_.draw(subject, options, "scene").pixels.rows;
+    rows.resize(static_cast<std::size_t>(16 * options.width));  // above the model
+    return rows;
+  };
+  EXPECT_EQ(title_of(269.7), title_of(270.3));
+  EXPECT_NE(title_of(269.7), title_of(271));
+}
+
+TEST_F(picture_of_scene, of_a_plan_has_the_glass_of_its_key) {
+  const qv_test::box_room room = qv_test::add_box_room(scene_, {0, 0, 0}, {4, 4, 3});
+  room.space->set_floor(0);
+  scene_.precompute();
+  ASSERT_TRUE(room.sides[0]->create_opening(0.5f, true));
+  scene_.precompute();
+  qv::qv_picture_options options;
+  options.view = qv_picture_view::plan;
+  options.storey = 0;
+  options.width = 640;
+  options.height = 400;
+  const qv::qv_pixels picture = draw(options);
+  const auto count_glass = [&](int from, int to) {
+    int count = 0;
+    for (int y = 0; y < picture.height; ++y)
+      for (int x = from; x < to; ++x)
+        if (std::abs(red(picture.at(x, y)) - 77) <= 1 &&
+            std::abs(blue(picture.at(x, y)) - 242) <= 1)
+          ++count;
+    return count;
+  };
+  EXPECT_GT(count_glass(0, 430), 50);
+  EXPECT_GT(count_glass(430, 640), 50);
 }
 
 TEST_F(picture_of_scene, gives_thermal_bridges_as_lines_over_a_pale_model) {
