@@ -7,17 +7,15 @@
 #include "bim/envelope/qvi_wall.h"
 #include "bim/imported/qvi_bim_object.h"
 #include "core/shapes/qvi_polygon.h"
+#include "core/shapes/triangles.h"
 
 namespace qv {
 namespace {
 
 void append(qv_export_group& group, qvi_mesh& mesh) {
   group.meshes.push_back(&mesh);
-  qv_triangulation& sum = group.triangles;
   const qv_triangulation part = mesh.copy_triangles();
-  const int first = sum.vertices.get_count();
-  for (const qv_3dvector& vertex : part.vertices) sum.vertices.append(vertex);
-  for (const int index : part.triangles) sum.triangles.append(first + index);
+  append_triangles(group.triangles, part.vertices, part.triangles);
 }
 
 bool is_face(const qvi_wall& wall, const qv_item* mesh) {

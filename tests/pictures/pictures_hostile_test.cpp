@@ -62,6 +62,18 @@ TEST_F(hostile_picture, leaves_out_numbers_that_are_none_and_says_so) {
   EXPECT_THAT(notes_, testing::ElementsAre(HasSubstr("2 triangles or lines are left out")));
 }
 
+TEST_F(hostile_picture, leaves_out_triangles_whose_corners_are_no_vertices) {
+  auto* const mesh = new qv::qvi_mesh;
+  scene_.add_child(mesh, -1);
+  mesh->set_vertices({{0, 0, 0}, {4, 0, 0}, {0, 0, 3}});
+  mesh->set_triangles({0, 1, 2});
+  const qv::qv_pixels sound = draw(qv_picture_view::south);
+  mesh->set_triangles({0, 1, 2, 0, 1, 90000, -90000, 1, 2});
+  EXPECT_EQ(draw(qv_picture_view::south).rows, sound.rows);
+  mesh->set_triangles({0, 1, 3});
+  EXPECT_THAT(complaint(), HasSubstr("nothing to draw"));
+}
+
 TEST_F(hostile_picture, of_one_flat_surface_shows_it_from_everywhere) {
   add_surface(qv_test::rectangle({0, 0, 0}, {4, 0, 0}, {0, 0, 3}));
   for (const qv_picture_view view : all_views) {
