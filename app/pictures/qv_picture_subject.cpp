@@ -1,9 +1,12 @@
 #include "app/pictures/qv_picture_subject.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "app/readers/qv_gbxml_reader.h"
 #include "app/study/qv_study_results.h"
+#include "bim/envelope/qvi_opening.h"
+#include "bim/envelope/qvi_wall.h"
 
 namespace qv {
 namespace {
@@ -16,6 +19,15 @@ void for_each_result(qv_scene& scene, const char* type, const std::vector<Result
   const qv_list<qv_item*>& items = scene.get_items(type);
   const auto count = std::min(static_cast<std::size_t>(items.get_count()), results.size());
   for (std::size_t i = 0; i < count; ++i) take(items[static_cast<int>(i)], results[i]);
+}
+
+// The ids of all elements that items of a type were made of; merged ones have several.
+template <class Item>
+void take_source_ids(qv_scene& scene, const char* type,
+                     std::unordered_map<std::string, qv_item*>& ids) {
+  for (qv_item* item : scene.get_items(type))
+    for (const std::string& id : static_cast<const Item*>(item)->get_source_ids())
+      ids.try_emplace(id, item);
 }
 
 }  // namespace
@@ -43,6 +55,8 @@ qv_picture_subject qv_make_picture_subject(const qv_gbxml_model& model,
     if (opening.u) u_values[item] = *opening.u;
   });
   for_each_result(scene, "connexion", study.thermal_bridges, take_id);
+  take_source_ids<qvi_wall>(scene, "wall", ids);
+  take_source_ids<qvi_opening>(scene, "opening", ids);
   const qv_list<qv_item*>& items = scene.get_items("item");
   for (qv_item* item : items)
     if (item->has_unique_id()) ids.try_emplace(item->get_unique_id(), item);

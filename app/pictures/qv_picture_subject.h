@@ -21,7 +21,7 @@ struct qv_picture_subject {
   double azimuth = 0;
   /// W/(m²·K), of walls with their surface resistances; items whose U is not known are left out.
   std::unordered_map<const qv_item*, double> u_values;
-  /// By what a study calls them, by the id of their source element, and last by name; of several
+  /// By what a study calls them, by the ids of their source elements, and last by name; of several
   /// the first in scene order.
   std::unordered_map<std::string, qv_item*> items_by_id;
 };
