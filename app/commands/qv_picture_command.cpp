@@ -84,21 +84,16 @@ qv_item& find_item(const qv_picture_subject& subject, const std::string& id,
   if (found != subject.items_by_id.end()) return *found->second;
   throw qv_input_error(qv_input_error::kind::bad_input, {model, 0, "", ""},
                        "has nothing with the id \"" + qv_one_line(id) + "\"",
-                       "`qv study` lists ids in walls.csv, openings.csv and spaces.csv");
+                       "`qv study` lists ids in walls.csv, openings.csv, spaces.csv and "
+                       "thermal_bridges.csv");
 }
 
 // The pointer rests on an item: of a wall, on its faces, which are what a view picks.
 void hover(qv_item& item) {
   item.set_mouseover(true);
   if (!item.has_type("wall")) return;
-  const auto& wall = static_cast<const qvi_wall&>(item);
-  const auto first_of = [](qvi_polygon* pierced, qvi_polygon* plain) {
-    return pierced != nullptr ? pierced : plain;
-  };
-  for (qvi_polygon* face : {first_of(wall.get_pierced_face(), wall.get_face()),
-                            first_of(wall.get_pierced_face_0(), wall.get_face_0()),
-                            first_of(wall.get_pierced_face_1(), wall.get_face_1())})
-    if (face != nullptr) face->set_mouseover(true);
+  for (qvi_polygon* face : static_cast<const qvi_wall&>(item).get_drawn_faces())
+    face->set_mouseover(true);
 }
 
 int run_picture(const picture_arguments& arguments) {

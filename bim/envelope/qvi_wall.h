@@ -123,9 +123,11 @@ class qvi_wall : public qv_item, public qv_solar_income {
   void render_opengl(bool selection) override;
   /// Contour, normal and faces, seen through everything, in `color` without its alpha.
   void render_opengl_transparent(const qv_color& color);
-  /// Contours of the single face, or else of the two faces; the pierced ones where there are.
+  /// The single face, or else the two faces; the pierced ones where there are.
+  qv_list<qvi_polygon*> get_drawn_faces() const;
+  /// Contours of these faces.
   void draw_contour_raw();
-  /// Surfaces of the same faces.
+  /// Their surfaces.
   void draw_face_raw();
 
  private:
@@ -137,7 +139,6 @@ class qvi_wall : public qv_item, public qv_solar_income {
   void update_face_shaders();
   void remove_piercing();
   void add_generated_opening(const qv_polygon& contour);
-  qv_list<qvi_polygon*> get_drawn_faces() const;
 
   // A copy-constructed wall shares its source's record.
   struct record {
