@@ -45,7 +45,7 @@ int run_export(const export_arguments& arguments) {
   {
     qv_progress progress;
     const auto announce = progress.get_announcer();
-    announce(1, 4, "reading the model");
+    announce(1, 5, "reading the model");
     qv_gbxml_model model = qv_read_gbxml(arguments.model);
     notes = qv_add_context(model, arguments.context);
     // Geometry keeps the axes of its file, which says how they lie to north; the text of the model
@@ -53,7 +53,7 @@ int run_export(const export_arguments& arguments) {
     qv_study_options options;
     if (arguments.format != export_format::json) options.north = 0.0;
     qv_compute_model(model, options, announce);
-    announce(4, 4, "writing the model");
+    announce(5, 5, "writing the model");
     file.stage(export_text(arguments.format, model));
     if (arguments.format == export_format::gbxml && !model.scene->get_items("usage").is_empty())
       notes.emplace_back(

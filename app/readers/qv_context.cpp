@@ -110,7 +110,8 @@ class context_builder {
       account(name, outcome::dropped, "the file places it nowhere", 0);
     if (dropped == file.objects.size())
       throw qv_input_error(qv_input_error::kind::bad_input, {path, 0, "", ""},
-                           "holds no triangle with an area", "export it again");
+                           "holds no triangle that can stand somewhere: " + lost.words(),
+                           "export it again");
     for (const std::string& warning : file.warnings) {
       std::string& note = notes_.emplace_back(path);
       note.append(": ").append(warning);

@@ -33,9 +33,10 @@ struct qv_context_options {
 ///
 /// Each object has an "Object" entry in the ledger with its area. Triangles without area, those
 /// with a corner that is not finite or farther than 10,000 km, points and lines are left out, which
-/// the entry says; an object of nothing else is dropped. Returns the same in a line for each file
-/// and adds it to the model's warnings. Throws `qv_input_error` for a file that cannot be read,
-/// that leaves no triangle at all, or of more than 50 million triangles.
+/// the entry says; an object of nothing else is dropped. Returns the same, and what the reading
+/// library found odd, in lines that name their file, and adds these to the model's warnings. Throws
+/// `qv_input_error` for a file that cannot be read, that leaves no triangle at all, or of more than
+/// 50 million triangles.
 std::vector<std::string> qv_add_context(qv_gbxml_model& model, const qv_context_options& options);
 
 }  // namespace qv

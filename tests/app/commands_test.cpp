@@ -411,6 +411,20 @@ TEST(qv_info_command, says_what_a_model_holds) {
   }
 }
 
+// On a terminal, which the program of that name stands for.
+TEST(qv_progress, of_a_command_that_writes_a_file_counts_to_its_last_step) {
+  const qv_temporary_folder place;
+  for (const char* command : {"export --format json", "picture --size 64x64"}) {
+    const auto run =
+        qv_run_shell("TERM=xterm script -qec \"$QV " + std::string(command) + " " + sample +
+                     " --out " + (place.path() / "out").string() + "\" /dev/null");
+    ASSERT_EQ(run.exit_code, 0) << run.output << run.errors;
+    for (const char* step : {"] 1/5", "] 2/5", "] 3/5", "] 4/5", "] 5/5"})
+      EXPECT_THAT(run.output, HasSubstr(step)) << command;
+    EXPECT_THAT(run.output, testing::Not(HasSubstr("] 4/4"))) << command;
+  }
+}
+
 TEST(qv_progress, fills_its_bar_step_by_step) {
   EXPECT_EQ(qv::qv_progress::bar_text(1, 4, "reading"), "[--------------------] 1/4 reading");
   EXPECT_EQ(qv::qv_progress::bar_text(3, 4, "walls"), "[##########----------] 3/4 walls");

@@ -322,7 +322,9 @@ TEST_F(qv_context, complains_of_files_without_faces) {
   EXPECT_THAT(complaint(write("l.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nl 1 2\n")),
               HasSubstr("holds no face"));
   EXPECT_THAT(complaint(write("d.obj", "v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 2 3\n")),
-              HasSubstr("no triangle with an area"));
+              HasSubstr("no triangle that can stand somewhere: 1 triangle without area was left"));
+  EXPECT_THAT(complaint(write("f.obj", "v 2e7 0 0\nv 2e7 1 0\nv 2e7 0 1\nf 1 2 3\n")),
+              HasSubstr("somewhere: 1 triangle with a corner that is no place was left out"));
 }
 
 TEST_F(qv_context, complains_of_corners_that_are_not_there) {
