@@ -42,44 +42,33 @@ void report(benchmark::State& state, qv_scene& scene, const qv_picture& picture)
 /// The whole of a picture, 1280 × 800 with its key, from the scene to pixels; the drawing context
 /// is there already.
 void picture_frame(benchmark::State& state) {
-  qv_scene& scene = block_of(static_cast<int>(state.range(0)));
   qv_picture_subject subject;
-  subject.scene = &scene;
+  subject.scene = &block_of(static_cast<int>(state.range(0)));
   qv_picture_maker maker;
   qv_picture picture;
   for (auto _ : state) picture = maker.draw(subject, {}, "block");
-  report(state, scene, picture);
+  report(state, *subject.scene, picture);
 }
 
 /// The same with a new context each time, and written as PNG.
 void picture_first(benchmark::State& state) {
-  qv_scene& scene = block_of(static_cast<int>(state.range(0)));
   qv_picture_subject subject;
-  subject.scene = &scene;
+  subject.scene = &block_of(static_cast<int>(state.range(0)));
   qv_picture picture;
   for (auto _ : state) {
     qv_picture_maker maker;
     picture = maker.draw(subject, {}, "block");
     benchmark::DoNotOptimize(qv_encode_png(picture.pixels));
   }
-  report(state, scene, picture);
+  report(state, *subject.scene, picture);
+}
+
+void all_sizes(benchmark::internal::Benchmark* bench) {
+  for (const int walls : {1000, 10000, 100000}) bench->Arg(walls);
+  bench->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
 }
 
 }  // namespace
 
-BENCHMARK(picture_frame)
-    ->Name("picture/frame")
-    ->Arg(1000)
-    ->Arg(10000)
-    ->Arg(100000)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime()
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(picture_first)
-    ->Name("picture/first")
-    ->Arg(1000)
-    ->Arg(10000)
-    ->Arg(100000)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime()
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(picture_frame)->Name("picture/frame")->Apply(all_sizes);
+BENCHMARK(picture_first)->Name("picture/first")->Apply(all_sizes);
