@@ -1,65 +1,23 @@
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <string>
 #include <vector>
 
 #include "core/shapes/qvi_mesh_instance.h"
 #include "core/shapes/qvi_polygon.h"
 #include "core/shapes/qvi_solid.h"
-#include "tests/support/qv_recording_gl.h"
-#include "tests/support/qv_shapes.h"
+#include "tests/core/qv_shapes_drawing.h"
 
 namespace {
 
 using namespace qv;
+using qv_test::get_area;
 using qv_test::gl_primitive;
 using qv_test::gl_recorder;
 using qv_test::make_item;
+using qv_test::shapes_drawing;
+using qv_test::shows_side;
 using texts = std::vector<std::string>;
-
-constexpr qv_color red(1, 0, 0, 1);
-constexpr qv_color blue_glass(0, 0, 1, 0.5f);
-
-double get_area(const gl_primitive& surface) {
-  double area = 0;
-  for (std::size_t i = 0; i + 2 < surface.vertices.size(); i += 3)
-    area += (surface.vertices[i + 1] - surface.vertices[i])
-                .cross(surface.vertices[i + 2] - surface.vertices[i])
-                .length() /
-            2;
-  return area;
-}
-
-// True when each triangle runs counter-clockwise about its normal, and the normals point away from
-// `centre` or, with `inwards`, towards it.
-bool shows_side(const gl_primitive& surface, const qv_3dvector& centre, bool inwards) {
-  for (std::size_t i = 0; i + 2 < surface.vertices.size(); i += 3) {
-    const qv_3dvector& a = surface.vertices[i];
-    const qv_3dvector about =
-        (surface.vertices[i + 1] - a).cross(surface.vertices[i + 2] - a).normalized();
-    if (about.dot(surface.normals[i]) < 0.99f) return false;
-    if (((a - centre).dot(about) < 0) != inwards) return false;
-  }
-  return !surface.vertices.empty();
-}
-
-class shapes_drawing : public testing::Test {
- protected:
-  shapes_drawing() {
-    const auto corners = qv_test::make_cube_corners(2);
-    cube->load_from_triangles(corners, qv_test::make_loose_triangles(corners));
-    frame->load_from_polygon(&frame_region);
-    front->set_diffuse_color(red);
-    back->set_diffuse_color(blue_glass);
-  }
-
-  const qv_polygon frame_region = qv_test::make_frame(0, 0, 5, 4);
-  qv_test::owned_item<qvi_shader> front = make_item<qvi_shader>();
-  qv_test::owned_item<qvi_shader> back = make_item<qvi_shader>();
-  qv_test::owned_item<qvi_mesh> cube = make_item<qvi_mesh>();
-  qv_test::owned_item<qvi_polygon> frame = make_item<qvi_polygon>();
-};
 
 TEST_F(shapes_drawing, shows_each_side_in_its_shaders_colour) {
   cube->set_front_shader(front.get());
@@ -153,28 +111,6 @@ TEST_F(shapes_drawing, draws_the_contours_of_a_solid_face_by_face) {
   solid->render_opengl_contour_raw();
   // Base and opposite with two contours each, and a side for each of the eight edges.
   EXPECT_EQ(gl.calls, texts(12, "line_loop 4"));
-}
-
-TEST_F(shapes_drawing, draws_an_instance_in_its_place_with_the_right_side_outwards) {
-  for (bool mirrored : {false, true}) {
-    for (bool reversed : {false, true}) {
-      const auto instance = make_item<qvi_mesh_instance>();
-      instance->set_mesh(cube.get());
-      instance->set_matrix(qv_matrix::translation({10, 0, 0}) *
-                           qv_matrix::scaling({mirrored ? -1.0f : 1.0f, 1, 1}));
-      if (reversed) instance->reverse();
-      gl_recorder gl;
-      instance->render_opengl(false);
-      ASSERT_EQ(gl.primitives.size(), 2u);
-      const qv_3dvector centre(mirrored ? 9 : 11, 1, 1);
-      EXPECT_TRUE(shows_side(gl.primitives[0], centre, reversed));
-      EXPECT_TRUE(shows_side(gl.primitives[1], centre, !reversed));
-      instance->render_opengl_contour_raw();
-      for (const qv_3dvector& vertex : gl.primitives[2].vertices)
-        EXPECT_EQ((vertex - centre).length(), qv_3dvector(1, 1, 1).length());
-      EXPECT_EQ(gl.get_matrix_depth(), 0);
-    }
-  }
 }
 
 TEST_F(shapes_drawing, shows_a_side_without_a_shader_in_grey_beside_one_with) {
@@ -276,139 +212,6 @@ TEST_F(shapes_drawing, fills_the_faces_of_a_solid_with_their_holes) {
   EXPECT_EQ(gl.primitives[0].color, red);
   // Twice 14 of the frame, and 3 m over its outer and inner length, 18 and 10.
   for (const gl_primitive& side : gl.primitives) EXPECT_NEAR(get_area(side), 2 * 14 + 3 * 28, 1e-4);
-}
-
-TEST_F(shapes_drawing, highlights_an_instance_in_its_place) {
-  const auto inner = make_item<qvi_mesh_instance>();
-  inner->set_mesh(frame.get());
-  inner->set_matrix(qv_matrix::rotation(2, 90));
-  const auto outer = make_item<qvi_mesh_instance>();
-  outer->set_mesh(inner.get());
-  outer->set_matrix(qv_matrix::translation({0, 0, 7}));
-  outer->set_selected(true);
-  gl_recorder gl;
-  outer->render_opengl(true);
-  ASSERT_EQ(gl.primitives.size(), 3u);
-  EXPECT_EQ(gl.primitives[0].vertices.size(), 4u);
-  EXPECT_EQ(gl.primitives[0].color, qv_color(1, 0, 0, 0.5f));
-  EXPECT_EQ(gl.primitives[2].color, qv_color(1, 0, 0, 0.2f));
-  EXPECT_NEAR(get_area(gl.primitives[2]), 14, 1e-4);
-  for (const gl_primitive& primitive : gl.primitives) {
-    for (const qv_3dvector& vertex : primitive.vertices) {
-      // 5 m along x and 4 along y, turned a quarter about z, then lifted.
-      EXPECT_GE(vertex.x, -4.0001f);
-      EXPECT_LE(vertex.x, 0.0001f);
-      EXPECT_EQ(vertex.z, 7);
-    }
-  }
-  EXPECT_EQ(gl.get_matrix_depth(), 0);
-  EXPECT_TRUE(gl.lighting);
-  EXPECT_TRUE(gl.depth_test);
-}
-
-TEST_F(shapes_drawing, shows_an_instance_in_its_own_shaders_before_those_of_its_mesh) {
-  cube->set_front_shader(front.get());
-  cube->set_back_shader(front.get());
-  const auto instance = make_item<qvi_mesh_instance>();
-  instance->set_mesh(cube.get());
-  instance->set_back_shader(back.get());
-  gl_recorder gl;
-  instance->render_opengl(false);
-  ASSERT_EQ(gl.primitives.size(), 2u);
-  EXPECT_EQ(gl.primitives[0].color, red);
-  EXPECT_EQ(gl.primitives[1].color, blue_glass);
-}
-
-TEST_F(shapes_drawing, draws_nothing_of_what_is_empty) {
-  const auto instance = make_item<qvi_mesh_instance>();
-  const auto of_empty_mesh = make_item<qvi_mesh_instance>();
-  const auto empty_mesh = make_item<qvi_mesh>();
-  const auto empty_polygon = make_item<qvi_polygon>();
-  const auto empty_solid = make_item<qvi_solid>();
-  of_empty_mesh->set_mesh(empty_mesh.get());
-  for (qvi_mesh* mesh :
-       {empty_mesh.get(), static_cast<qvi_mesh*>(empty_polygon.get()),
-        static_cast<qvi_mesh*>(empty_solid.get()), static_cast<qvi_mesh*>(instance.get()),
-        static_cast<qvi_mesh*>(of_empty_mesh.get())}) {
-    mesh->set_selected(true);
-    gl_recorder gl;
-    mesh->render_opengl(false);
-    mesh->render_opengl(true);
-    mesh->render_opengl_raw();
-    mesh->render_opengl_contour_raw();
-    for (const gl_primitive& primitive : gl.primitives) EXPECT_TRUE(primitive.vertices.empty());
-    EXPECT_TRUE(gl.lighting);
-    EXPECT_TRUE(gl.depth_test);
-    EXPECT_EQ(gl.get_matrix_depth(), 0);
-  }
-}
-
-TEST_F(shapes_drawing, draws_nothing_of_an_instance_that_is_nowhere) {
-  const auto inner = make_item<qvi_mesh_instance>();
-  inner->set_mesh(cube.get());
-  const auto outer = make_item<qvi_mesh_instance>();
-  outer->set_mesh(inner.get());
-  outer->set_selected(true);
-  for (const float odd :
-       {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()}) {
-    for (qvi_mesh_instance* placed : {inner.get(), outer.get()}) {
-      placed->set_matrix(qv_matrix::translation({odd, 0, 0}));
-      gl_recorder gl;
-      outer->render_opengl(false);
-      outer->render_opengl(true);
-      outer->render_opengl_contour_raw();
-      EXPECT_TRUE(gl.primitives.empty());
-      EXPECT_EQ(gl.get_matrix_depth(), 0);
-      placed->set_matrix(qv_matrix());
-    }
-  }
-}
-
-// Flat across x: its sides still cover area, its ends do not.
-TEST_F(shapes_drawing, draws_a_flattened_instance_as_flat_as_it_is) {
-  const auto instance = make_item<qvi_mesh_instance>();
-  instance->set_mesh(cube.get());
-  instance->set_matrix(qv_matrix::scaling({0, 1, 1}));
-  gl_recorder gl;
-  instance->render_opengl_raw();
-  ASSERT_EQ(gl.primitives.size(), 1u);
-  EXPECT_NEAR(get_area(gl.primitives[0]), 8, 1e-6);
-  for (const qv_3dvector& vertex : gl.primitives[0].vertices) EXPECT_EQ(vertex.x, 0);
-}
-
-TEST_F(shapes_drawing, draws_what_is_sound_of_a_surface_with_bad_points) {
-  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-  cube->set_vertices({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {nan, 0, 0}});
-  cube->set_triangles({0, 1, 2, 0, 1, 3});
-  frame->set_vertices(
-      {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}, {5, 5, nan}, {6, 5, 0}, {6, 6, 0}});
-  frame->set_contour_sizes({4, 3});
-  gl_recorder gl;
-  cube->render_opengl_raw();
-  frame->render_opengl_raw();
-  ASSERT_EQ(gl.primitives.size(), 2u);
-  EXPECT_NEAR(get_area(gl.primitives[0]), 0.5, 1e-6);
-  EXPECT_NEAR(get_area(gl.primitives[1]), 4, 1e-6);
-}
-
-TEST_F(shapes_drawing, draws_nothing_for_what_is_no_surface) {
-  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-  cube->set_vertices({{0, 0, 0}, {1, 0, 0}, {nan, 0, 0}});
-  cube->set_triangles({0, 1, 2, 0, 1, 5, 0, 0, 1, -1});
-  frame->set_vertices({{0, 0, 0}, {nan, 0, 0}, {1, 0, 0}});
-  frame->set_contour_sizes({7, 7});
-  const auto instance = make_item<qvi_mesh_instance>();
-  instance->set_mesh(instance.get());
-  gl_recorder gl;
-  for (qvi_mesh* mesh :
-       {cube.get(), static_cast<qvi_mesh*>(frame.get()), static_cast<qvi_mesh*>(instance.get())}) {
-    mesh->render_opengl_raw();
-    mesh->render_opengl_contour_raw();
-    mesh->render_opengl(false);
-  }
-  for (const gl_primitive& primitive : gl.primitives)
-    for (const qv_3dvector& vertex : primitive.vertices) EXPECT_TRUE(vertex.is_finite());
-  EXPECT_TRUE(gl.get_surfaces().empty() || get_area(gl.get_surfaces()[0]) == 0);
 }
 
 }  // namespace
