@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 
 #include "app/pictures/qv_canvas.h"
 #include "app/pictures/qv_picture.h"
@@ -88,9 +89,11 @@ qv_study_pictures qv_draw_study_pictures(const qv_gbxml_model& model,
 bool qv_names_study_picture(const std::string& file_name) {
   for (const char* name : {contact_type_name, u_name, bridges_name})
     if (file_name == name) return true;
-  for (int storey = 0; storey < static_cast<int>(most_plans); ++storey)
-    if (file_name == plan_name(storey)) return true;
-  return false;
+  // Storeys may leave numbers out, so that those of forty plans have no highest one.
+  const std::size_t digit = std::min(file_name.find_first_of("0123456789"), file_name.size());
+  int storey = -1;
+  std::from_chars(file_name.data() + digit, file_name.data() + file_name.size(), storey);
+  return storey >= 0 && file_name == plan_name(storey);
 }
 
 }  // namespace qv

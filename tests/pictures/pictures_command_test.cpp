@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "app/pictures/qv_study_pictures.h"
 #include "tests/app/qv_program.h"
 #include "tests/app/qv_temporary_folder.h"
 #include "tests/pictures/qv_picture_comparison.h"
@@ -147,6 +148,16 @@ TEST(qv_study_pictures, are_two_views_a_plan_of_each_storey_and_the_thermal_brid
                            "plan-storey-1.png", "plan-storey-2.png", "thermal-bridges.png"));
   for (const std::string& name : files_in(place.path() / "out" / "pictures"))
     EXPECT_EQ(qv_test::read_png(place.path() / "out" / "pictures" / name).width, 1280) << name;
+}
+
+TEST(qv_study_pictures, know_their_names) {
+  for (const char* name : {"iso-contact-type.png", "iso-u.png", "thermal-bridges.png",
+                           "plan-storey-0.png", "plan-storey-57.png"})
+    EXPECT_TRUE(qv::qv_names_study_picture(name)) << name;
+  for (const char* name :
+       {"", "1", "iso-u.png.1", "plan-storey-.png", "plan-storey--1.png", "plan-storey-07.png",
+        "plan-storey-1.jpg", "plan-storey-99999999999.png"})
+    EXPECT_FALSE(qv::qv_names_study_picture(name)) << name;
 }
 
 TEST(qv_study_pictures, are_left_out_when_not_wanted) {

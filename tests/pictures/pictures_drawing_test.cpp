@@ -241,7 +241,7 @@ TEST_F(picture_of_scene, of_an_elevation_within_half_a_degree_of_north_faces_0_d
     subject.scene = &scene_;
     subject.azimuth = azimuth;
     std::vector<std::uint32_t> rows = maker_.draw(subject, options, "scene").pixels.rows;
-    rows.resize(static_cast<std::size_t>(16 * options.width));  // above the model
+    rows.resize(16U * static_cast<std::size_t>(options.width));  // above the model
     return rows;
   };
   EXPECT_EQ(title_of(269.7), title_of(270.3));
