@@ -402,11 +402,13 @@ TEST_F(qv_context, what_was_exported_comes_back_with_its_areas) {
     const std::string file = as_gltf ? write("h.gltf", qv::qv_export_gltf(*model.scene))
                                      : write("h.obj", qv::qv_export_obj(*model.scene));
     const auto again = room_with({file});
-    // An OBJ has no blanks in names, and makes one of groups of the same name that follow each
-    // other.
-    const auto name_of = [as_gltf](std::string name) {
-      if (!as_gltf) std::replace(name.begin(), name.end(), ' ', '_');
-      return name;
+    // An OBJ has no blanks in names, and gives those that come again a number.
+    std::map<std::string, int> uses;
+    const auto name_of = [&](std::string name) {
+      if (as_gltf) return name;
+      std::replace(name.begin(), name.end(), ' ', '_');
+      const int use = ++uses[name];
+      return use == 1 ? name : name + '-' + std::to_string(use);
     };
     std::map<std::string, double> expected, found;
     for (const auto& group : qv::qv_collect_export_groups(*model.scene)) {
