@@ -14,6 +14,12 @@ constexpr double inner_resistance_down = 0.17;
 constexpr double steepest_level_up = 60.0;
 constexpr double steepest_level_down = 120.0;
 
+double inner_resistance(std::optional<double> tilt) {
+  if (tilt.has_value() && *tilt < steepest_level_up) return inner_resistance_up;
+  if (tilt.has_value() && *tilt > steepest_level_down) return inner_resistance_down;
+  return inner_resistance_level;
+}
+
 std::optional<double> ratio(double loss, double measure) {
   if (!(measure > 0.0)) return std::nullopt;
   return loss / measure;
@@ -102,15 +108,15 @@ qv_heat_loss qv_sum_heat_loss(const std::vector<qv_loss_surface>& walls,
 }
 
 double qv_surface_resistances(std::optional<double> tilt) {
-  if (tilt.has_value() && *tilt < steepest_level_up) return outer_resistance + inner_resistance_up;
-  if (tilt.has_value() && *tilt > steepest_level_down) {
-    return outer_resistance + inner_resistance_down;
-  }
-  return outer_resistance + inner_resistance_level;
+  return outer_resistance + inner_resistance(tilt);
 }
 
-double qv_u_with_surfaces(double u, std::optional<double> tilt) {
-  return u > 0.0 ? 1.0 / (1.0 / u + qv_surface_resistances(tilt)) : 0.0;
+double qv_inner_surface_resistances(std::optional<double> tilt) {
+  return 2 * inner_resistance(tilt);
+}
+
+double qv_u_with_surfaces(double u, double surface_resistances) {
+  return u > 0.0 ? 1.0 / (1.0 / u + surface_resistances) : 0.0;
 }
 
 }  // namespace qv

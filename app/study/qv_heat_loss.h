@@ -88,8 +88,10 @@ qv_heat_loss qv_sum_heat_loss(const std::vector<qv_loss_surface>& walls,
 /// the outward normal, degrees from the upward vertical; flows within 30° of the horizontal count
 /// as horizontal, and so does one whose direction is not known.
 double qv_surface_resistances(std::optional<double> tilt);
+/// The same of a wall between two rooms, where both surfaces are inside.
+double qv_inner_surface_resistances(std::optional<double> tilt);
 
-/// U of a wall whose layers alone have the transmittance `u`, with those surface resistances.
-double qv_u_with_surfaces(double u, std::optional<double> tilt);
+/// U of a wall whose layers alone have the transmittance `u`, with the resistance of its surfaces.
+double qv_u_with_surfaces(double u, double surface_resistances);
 
 }  // namespace qv

@@ -151,9 +151,11 @@ qv_study_space gather_space(qvi_space& space, const std::string& id,
   return result;
 }
 
+// What lies beyond the wall, as seen from its first space.
 std::string boundary_of(const qvi_wall& wall) {
   const qvi_limit_condition* condition = wall.get_limit_condition();
-  if (condition == nullptr) return "outside";
+  if (condition == nullptr)
+    return wall.get_space_0() != nullptr && wall.get_space_1() != nullptr ? "space" : "outside";
   return label(qvi_limit_condition::get_limit_condition_typology_list(), condition->get_typology());
 }
 
@@ -174,7 +176,10 @@ qv_study_wall gather_wall(qvi_wall& wall, const std::string& id, const id_maker&
   result.limit_condition = name_of(wall.get_limit_condition());
   result.boundary = boundary_of(wall);
   if (result.u.has_value()) {
-    result.u_with_surfaces = static_cast<float>(qv_u_with_surfaces(*result.u, result.tilt));
+    const bool is_between_rooms = result.space_0.has_value() && result.space_1.has_value();
+    const double surfaces = is_between_rooms ? qv_inner_surface_resistances(result.tilt)
+                                             : qv_surface_resistances(result.tilt);
+    result.u_with_surfaces = static_cast<float>(qv_u_with_surfaces(*result.u, surfaces));
   }
   return result;
 }

@@ -70,7 +70,7 @@ struct qv_study_wall {
   std::optional<float> u;
   std::optional<std::string> composition;
   std::optional<std::string> limit_condition;
-  std::string boundary = "outside";  // "outside", or the typology of the limit condition
+  std::string boundary = "outside";  // or "space", or the typology of the limit condition
   std::optional<float> u_with_surfaces = std::nullopt;
 
   /// Whether the wall stands between one space and what is no space: it loses heat.

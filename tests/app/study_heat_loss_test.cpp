@@ -2,6 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "app/readers/qv_gbxml_reader.h"
+#include "app/study/qv_study.h"
+#include "app/study/qv_study_gather.h"
+#include "bim/qv_load_bim_items.h"
+#include "tests/support/qv_test_paths.h"
+
 namespace {
 
 using namespace qv;
@@ -72,9 +78,32 @@ TEST(qv_surface_resistances, follow_the_direction_of_the_heat) {
   EXPECT_DOUBLE_EQ(qv_surface_resistances(std::nullopt), 0.17);
 }
 
+TEST(qv_surface_resistances, are_those_of_rooms_on_both_sides_between_two_rooms) {
+  EXPECT_DOUBLE_EQ(qv_inner_surface_resistances(0.0), 0.20);
+  EXPECT_DOUBLE_EQ(qv_inner_surface_resistances(90.0), 0.26);
+  EXPECT_DOUBLE_EQ(qv_inner_surface_resistances(180.0), 0.34);
+}
+
+// Beyond a partition lies a room, and no outside air cools its surface.
+TEST(qv_gather_study, tells_partitions_from_walls_towards_the_outside) {
+  qv_load_bim_items();
+  const auto model = qv_read_gbxml(QV_SOURCE_DIR "/samples/house.xml");
+  qv_compute_model(model, {});
+  std::size_t partitions = 0;
+  for (const qv_study_wall& wall : qv_gather_study(model).walls) {
+    const bool is_partition = wall.contact_type == "inner_wall";
+    const bool is_between_rooms = is_partition || wall.contact_type == "intermediate_floor";
+    EXPECT_EQ(wall.boundary == "space", is_between_rooms) << wall.id;
+    if (!is_partition) continue;
+    ++partitions;
+    EXPECT_FLOAT_EQ(wall.u_with_surfaces.value(), 1 / (1 / wall.u.value() + 0.26f)) << wall.id;
+  }
+  EXPECT_EQ(partitions, 15u);
+}
+
 TEST(qv_u_with_surfaces, adds_their_resistances) {
-  EXPECT_DOUBLE_EQ(qv_u_with_surfaces(0.5, 90.0), 1.0 / 2.17);
-  EXPECT_DOUBLE_EQ(qv_u_with_surfaces(0.0, 90.0), 0.0);
+  EXPECT_DOUBLE_EQ(qv_u_with_surfaces(0.5, 0.17), 1.0 / 2.17);
+  EXPECT_DOUBLE_EQ(qv_u_with_surfaces(0.0, 0.17), 0.0);
 }
 
 }  // namespace
