@@ -211,7 +211,10 @@ const qv_psi_catalogue& qv_indicative_psi_catalogue() {
 }
 
 qv_psi_catalogue qv_read_psi_catalogue(const std::string& path) {
-  return qv_parse_psi_catalogue(path, qv_read_file(path, "a catalogue of ψ values"));
+  qv_psi_catalogue catalogue =
+      qv_parse_psi_catalogue(path, qv_read_file(path, "a catalogue of ψ values"));
+  if (catalogue.name.empty()) catalogue.name = path;
+  return catalogue;
 }
 
 qv_psi_catalogue qv_parse_psi_catalogue(const std::string& name, const std::string& text) {

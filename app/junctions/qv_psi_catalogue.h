@@ -15,7 +15,8 @@ struct qv_psi_catalogue {
   static constexpr int type_count = 18;
   static constexpr int insulation_count = 4;
 
-  /// What the catalogue calls itself, and what it says of its values; empty when it does not.
+  /// What the catalogue calls itself, the file's name when it does not, and what it says of its
+  /// values.
   std::string name;
   std::string note;
   /// By type, then by position of the insulation, in the order of their enumerations. Absent where

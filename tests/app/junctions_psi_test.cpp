@@ -1,12 +1,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "app/junctions/qv_bridge_values.h"
 #include "app/junctions/qv_connexions.h"
 #include "app/readers/qv_input_error.h"
 #include "bim/materials/qvi_material.h"
 #include "core/items/qv_scene.h"
 #include "tests/app/qv_program.h"
+#include "tests/app/qv_temporary_folder.h"
 #include "tests/support/qv_test_buildings.h"
 #include "tests/support/qv_test_paths.h"
 
@@ -65,6 +68,16 @@ TEST(qv_psi_catalogue, says_what_is_wrong_and_where) {
   EXPECT_THAT(complaint_about("type,insulation,psi\nroof_roof,,\"0,1\"\n"), HasSubstr("line 2"));
   EXPECT_THAT(complaint_about("type,insulation,psi\nroof_roof,,0.1\nroof_roof,,0.2\n"),
               HasSubstr("line 3: ψ of \"roof_roof\" is given twice"));
+}
+
+// A study names its catalogue.
+TEST(qv_psi_catalogue, is_called_like_its_file_when_it_has_no_name) {
+  const qv_temporary_folder place;
+  const std::string file = place.path() / "psi.csv";
+  std::ofstream(file) << "type,insulation,psi\nroof_roof,,0.1\n";
+  EXPECT_EQ(qv_read_psi_catalogue(file).name, file);
+  std::ofstream(file) << R"({"name": "Ours", "psi_w_per_mk": {"roof_roof": 0.1}})";
+  EXPECT_EQ(qv_read_psi_catalogue(file).name, "Ours");
 }
 
 TEST(qv_psi_catalogue, has_indicative_values_for_all_but_unknown_junctions) {
