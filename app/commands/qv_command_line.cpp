@@ -47,20 +47,28 @@ const CLI::App* chosen_command(const CLI::App& program) {
   return chosen.empty() ? nullptr : chosen.front();
 }
 
-std::string describe_mistake(const CLI::App& program, const std::string& first_word,
+// What stands where a command belongs.
+std::string describe_missing_command(const std::string& word) {
+  if (word.empty()) return "a command is missing";
+  return fmt::format("{} \"{}\"",
+                     word.starts_with('-') ? "unexpected option" : "there is no command", word);
+}
+
+std::string describe_mistake(const CLI::App& program, const std::vector<std::string>& words,
                              const CLI::ParseError& error) {
-  const CLI::App* command = chosen_command(program);
-  const std::string& name = program.get_name();
-  if (command != nullptr)
-    return fmt::format("{}; `{} help {}` explains", describe_problem(error), name,
-                       command->get_name());
-  std::string problem = "a command is missing";
-  if (first_word.starts_with('-')) {
-    problem = fmt::format("unexpected option \"{}\"", first_word);
-  } else if (!first_word.empty()) {
-    problem = fmt::format("there is no command \"{}\"", first_word);
+  const CLI::App* command = &program;
+  std::size_t depth = 0;
+  while (const CLI::App* next = chosen_command(*command)) {
+    command = next;
+    ++depth;
   }
-  return fmt::format("{}; `{} help` explains", problem, name);
+  const bool lacks_command = command->get_require_subcommand_min() > 0;
+  const std::string problem =
+      lacks_command ? describe_missing_command(depth < words.size() ? words[depth] : "")
+                    : describe_problem(error);
+  const CLI::App* first = chosen_command(program);
+  return fmt::format("{}; `{} help{}` explains", problem, program.get_name(),
+                     first == nullptr ? "" : " " + first->get_name());
 }
 
 qv_command::receiver store_in(std::string& place) {
@@ -231,7 +239,8 @@ void qv_command::set_check(std::function<std::string()> check) {
 
 std::string qv_command::get_help() const {
   std::string name = app_->get_name();
-  if (app_->get_parent() != nullptr) name = app_->get_parent()->get_name() + " " + name;
+  for (const CLI::App* above = app_->get_parent(); above != nullptr; above = above->get_parent())
+    name = above->get_name() + " " + name;
   return app_->get_formatter()->make_help(app_, name, CLI::AppFormatMode::Normal);
 }
 
@@ -275,7 +284,8 @@ qv_command_action qv_command_line::understand(int argument_count, const char* co
       return qv_exit_success;
     };
   } catch (const CLI::ParseError& error) {
-    throw qv_usage_error(describe_mistake(*app_, argument_count > 1 ? arguments[1] : "", error));
+    const std::vector<std::string> words(arguments + 1, arguments + std::max(argument_count, 1));
+    throw qv_usage_error(describe_mistake(*app_, words, error));
   }
 }
 

@@ -21,7 +21,7 @@ void qv_add_solar_options(qv_command& command, qv_solar_options& options) {
   command.add_number_option({"--reflexions", "N",
                              "Reflexions of sun and sky that are followed (2);\n"
                              "0: none"},
-                            0, 100, "number from 0 to 100", options.reflexions);
+                            0, 100, "whole number from 0 to 100", options.reflexions);
 }
 
 qv_study_progress qv_show_study_progress(qv_progress& progress) {

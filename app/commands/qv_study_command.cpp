@@ -73,8 +73,10 @@ std::vector<std::string> list_read_files(const study_arguments& arguments) {
 
 // One file cannot be two.
 void refuse_own_file(const fs::path& folder, const std::string& hourly) {
+  std::error_code unknown;  // such a place is refused when it is to be written
+  const fs::path place = fs::weakly_canonical(hourly, unknown);
   for (const std::string& name : list_files(true))
-    if (fs::weakly_canonical(folder / name) == fs::weakly_canonical(hourly))
+    if (!unknown && fs::weakly_canonical(folder / name, unknown) == place)
       throw qv_usage_error("--hourly: \"" + hourly + "\" is a file that the study writes itself; " +
                            "`qv help study` explains");
 }

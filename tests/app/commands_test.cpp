@@ -56,6 +56,8 @@ TEST(qv_program, explains_each_command_with_examples) {
   }
   EXPECT_THAT(qv_run({"help", "info"}).output, HasSubstr("qv info house.xml"));
   EXPECT_THAT(qv_run({"help", "help"}).output, HasSubstr("COMMAND"));
+  EXPECT_THAT(qv_run({"configure", "save", "--help"}).output,
+              HasSubstr("Usage: qv configure save "));
 }
 
 TEST(qv_program, says_its_version) {
@@ -88,6 +90,11 @@ TEST(qv_program, names_each_mistake_in_the_command_line) {
       {{"info"}, "MODEL is required; `qv help info` explains"},
       {{"info", ""}, "MODEL is an empty name"},
       {{"info", sample, "b.xml"}, "unexpected argument \"b.xml\""},
+      {{"configure"}, "a command is missing; `qv help configure` explains"},
+      {{"configure", "sav", sample}, "there is no command \"sav\"; `qv help configure` explains"},
+      {{"configure", "--psi", "x"}, "unexpected option \"--psi\""},
+      {{"configure", "save"}, "MODEL is required; `qv help configure` explains"},
+      {{"study", sample, "--out", "x", "--reflexions", "1.5"}, "\"1.5\" is no whole number"},
       {{"help", "stduy"}, "there is no command \"stduy\""},
       {{"help", "study", "info"}, "unexpected argument \"info\""},
   };
@@ -238,6 +245,9 @@ TEST(qv_study_command, refuses_hours_in_the_place_of_another_result) {
                            place.path() / "." / "walls.csv"});
   expect_one_line_complaint(run, 2);
   EXPECT_THAT(run.errors, HasSubstr("is a file that the study writes itself"));
+  expect_one_line_complaint(qv_run({"study", sample, "--no-pictures", "--out", place.path(),
+                                    "--hourly", place.path() / std::string(300, 'h')}),
+                            4);
   EXPECT_EQ(entry_count(place.path()), 0u);
 }
 
