@@ -71,7 +71,7 @@ std::vector<object_face> list_object_faces(qv_scene& scene) {
 // Vertical component of a unit normal from which on a face lies rather than stands (45°).
 constexpr float half_level = 0.7071f;
 
-void add_wall_of(const object_face& from, qv_scene& scene) {
+qvi_wall* add_wall_of(const object_face& from, qv_scene& scene) {
   auto* wall = new qvi_wall;
   wall->set_name(from.object->get_name());
   if (!from.object->get_source_id().empty()) wall->set_source_ids({from.object->get_source_id()});
@@ -82,33 +82,30 @@ void add_wall_of(const object_face& from, qv_scene& scene) {
   wall->set_face_0(from.face);
   wall->set_face_1(from.face);
   campus_or_scene(from.object, scene)->add_child(wall, -1);
+  return wall;
 }
 
-// Walls for the objects that meet the envelope: without one a balcony's edge would pass for that of
-// a plain floor.
-void add_walls_of_objects(qv_scene& scene) {
-  const std::vector<object_face> faces = list_object_faces(scene);
-  if (faces.empty()) return;
-  const qv_list<qv_item*> walls = scene.get_items("wall");
-  const auto wall_count = static_cast<std::size_t>(walls.get_count());
-  std::vector<qv_wall_outline> outlines;
-  for (const qv_item* wall : walls)
-    outlines.push_back(qv_outline_of(static_cast<const qvi_wall&>(*wall)));
-  for (const object_face& from : faces) outlines.push_back(outline_of(*from.face));
-  std::vector<bool> meets(faces.size(), false);
-  for (const qv_junction& junction : qv_find_junctions(outlines)) {
+// Appends to `walls` one for each of the faces that follow them in the indices of the junctions:
+// a new wall where it meets the envelope, since without one a balcony's edge would pass for that of
+// a plain floor, and null elsewhere.
+void add_walls_of_objects(const std::vector<object_face>& faces,
+                          const std::vector<qv_junction>& junctions, qv_scene& scene,
+                          std::vector<qvi_wall*>& walls) {
+  const std::size_t wall_count = walls.size();
+  walls.resize(wall_count + faces.size(), nullptr);
+  std::vector<bool> meets(walls.size(), false);
+  for (const qv_junction& junction : junctions) {
     const bool of_envelope =
         std::any_of(junction.branches.begin(), junction.branches.end(), [&](const auto& branch) {
-          return static_cast<std::size_t>(branch.wall) < wall_count &&
-                 bounds_space(static_cast<const qvi_wall*>(walls[branch.wall]));
+          const qvi_wall* wall = walls[static_cast<std::size_t>(branch.wall)];
+          return wall != nullptr && bounds_space(wall);
         });
     if (!of_envelope) continue;
     for (const qv_junction_branch& branch : junction.branches)
-      if (const auto rank = static_cast<std::size_t>(branch.wall); rank >= wall_count)
-        meets[rank - wall_count] = true;
+      meets[static_cast<std::size_t>(branch.wall)] = true;
   }
   for (std::size_t i = 0; i < faces.size(); ++i)
-    if (meets[i]) add_wall_of(faces[i], scene);
+    if (meets[wall_count + i]) walls[wall_count + i] = add_wall_of(faces[i], scene);
 }
 
 }  // namespace
@@ -119,19 +116,24 @@ qv_wall_outline qv_outline_of(const qvi_wall& wall) {
 }
 
 int qv_add_connexions(qv_scene& scene) {
-  add_walls_of_objects(scene);
   std::vector<qvi_wall*> walls;
   std::vector<qv_wall_outline> outlines;
   for (qv_item* item : scene.get_items("wall")) {
     walls.push_back(static_cast<qvi_wall*>(item));
     outlines.push_back(qv_outline_of(*walls.back()));
   }
+  const std::vector<object_face> faces = list_object_faces(scene);
+  for (const object_face& from : faces) outlines.push_back(outline_of(*from.face));
   std::vector<qv_junction> junctions = qv_find_junctions(outlines);
+  add_walls_of_objects(faces, junctions, scene, walls);
   int count = 0;
   for (qv_junction& junction : junctions) {
     const auto wall_of = [&](const qv_junction_branch& branch) {
       return walls[static_cast<std::size_t>(branch.wall)];
     };
+    std::erase_if(junction.branches,
+                  [&](const qv_junction_branch& branch) { return wall_of(branch) == nullptr; });
+    if (junction.branches.size() < 2) continue;
     std::stable_partition(
         junction.branches.begin(), junction.branches.end(),
         [&](const qv_junction_branch& branch) { return bounds_space(wall_of(branch)); });
