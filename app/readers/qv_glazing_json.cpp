@@ -6,6 +6,8 @@
 #include <cmath>
 #include <initializer_list>
 #include <nlohmann/json.hpp>
+#include <numeric>
+#include <string_view>
 
 #include "app/readers/qv_file.h"
 #include "app/readers/qv_input_error.h"
@@ -24,6 +26,12 @@ struct number_key {
   const char* name;
   bool is_fraction;  // 0 … 1; else above 0
 };
+/// More was meant as millimetres, m.
+constexpr double thickest = 1;
+/// Of a pane that resists next to nothing between the air at its two sides, W/(m².K).
+constexpr float largest_pane_u = 6;
+constexpr float share_tolerance = 0.01f;
+
 constexpr number_key layer_keys[] = {{"thickness", false}, {"conductivity", false}};
 constexpr number_key pane_keys[] = {
     {"solar_transmittance", true},       {"solar_reflectance_front", true},
@@ -113,6 +121,8 @@ class glazing_reader {
       fail(fmt::format("has a \"{}\" that is no number {}", key.name,
                        key.is_fraction ? "from 0 to 1" : "above 0"),
            key.is_fraction ? "give a fraction" : "give it in SI units (thickness in m)");
+    if (key.name == std::string_view("thickness") && number > thickest)
+      fail("is more than a metre thick", "give the thickness in metres, 0.004 for 4 mm");
     return static_cast<float>(number);
   }
 
@@ -181,6 +191,9 @@ class glazing_reader {
              "write {\"u\": 1.1, \"solar_factor\": 0.6, \"visible_transmittance\": 0.7}");
       values[i] = number_of(sheet[figures[i].name], figures[i]);
     }
+    if (values[0] > largest_pane_u)
+      fail("has a data sheet with a U that is more than the surfaces of a pane let through",
+           fmt::format("give {:g} at most", largest_pane_u));
     pane.build_from_global_data(values[0], values[1], values[2]);
   }
 
@@ -206,6 +219,12 @@ class glazing_reader {
         shares.append(mixture.contains(gases[i])
                           ? number_of(mixture[gases[i]], {gases[i].c_str(), true})
                           : 0.0f);
+      const float sum = std::accumulate(shares.begin(), shares.end(), 0.0f);
+      if (sum > 1 + share_tolerance)
+        fail(fmt::format("has a mixture of which the shares add up to {:g}", sum),
+             "let them add up to 1");
+      // As in the notation, air fills it up.
+      if (sum < 1) shares[static_cast<int>(qvi_glazing_gaz::gaz_type::air)] += 1 - sum;
       gap.set_gaz_type(qvi_glazing_gaz::gaz_type::other);
       gap.set_gaz_mixing(shares);
       return;

@@ -223,6 +223,19 @@ TEST(qv_glazing_json, reads_layers_in_words_and_in_numbers) {
   EXPECT_LT(layer(glazing, 7).get_thermal_emissivity_front(), 0.1f);  // behind a gap
 }
 
+TEST(qv_glazing_json, fills_a_mixture_up_with_air) {
+  const auto u_of = [](const std::string& mixture) {
+    const auto glazing =
+        parse(R"({"layers": ["4", {"type": "gas", "thickness": 0.016, "mixture": )" + mixture +
+              R"(}, "4"]})");
+    glazing->precompute();
+    return glazing->get_U(90);
+  };
+  const float mixed = u_of(R"({"argon": 0.9, "air": 0.1})");
+  EXPECT_NEAR(u_of(R"({"argon": 0.9})"), mixed, 1e-5);
+  EXPECT_GT(mixed, u_of(R"({"argon": 1})") + 1e-3);
+}
+
 TEST(qv_glazing_json, reads_the_figures_of_a_data_sheet) {
   const auto glazing = parse(R"({"layers": [{"type": "glass",
     "data_sheet": {"u": 1.1, "solar_factor": 0.6, "visible_transmittance": 0.7}}]})");
@@ -271,6 +284,13 @@ TEST(qv_glazing_json, says_what_is_wrong_where) {
        "unknown key \"helium\""},
       {in_layers(R"({"type": "gas", "thickness": 0.01, "mixture": {"air": 1}, "gas": "air"})"),
        "both a gas and a mixture"},
+      {in_layers(R"({"type": "gas", "thickness": 0.01, "mixture": {"air": 0.3, "argon": 0.9}})"),
+       "the shares add up to 1.2"},
+      {in_layers(R"({"type": "glass", "thickness": 4})"), "is more than a metre thick"},
+      {in_layers(R"({"type": "gas", "thickness": 16, "gas": "air"})"), "more than a metre thick"},
+      {in_layers(R"({"type": "glass", "data_sheet":
+        {"u": 7.1, "solar_factor": 0.6, "visible_transmittance": 0.7}})"),
+       "more than the surfaces of a pane let through"},
       {in_layers(R"({"type": "glass", "data_sheet": {"u": 1.1}})"), "without its three figures"},
       {in_layers(R"({"type": "glass", "data_sheet":
         {"u": 1.1, "solar_factor": 0.05, "visible_transmittance": 0.1}})"),
