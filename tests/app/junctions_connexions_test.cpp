@@ -116,6 +116,22 @@ TEST(qv_add_connexions, knows_the_edge_of_a_balcony_that_is_an_object) {
   EXPECT_EQ(wall->get_loss_area(), 2);
 }
 
+TEST(qv_add_connexions, leaves_out_objects_that_meet_a_balcony_and_no_envelope) {
+  qv_scene scene;
+  qv_test::add_block(scene, {0, 0, 0}, 1, 1, 2, {4, 5, 2.5f}, 0);
+  const int wall_count = scene.get_items("wall").get_count();
+  add_object(scene, {{1, 0, 2.5f}, {1, -1, 2.5f}, {3, -1, 2.5f}, {3, 0, 2.5f}});
+  // A parapet along its edge, and a screen that goes on from there.
+  add_object(scene, {{1, -1, 2.5f}, {3, -1, 2.5f}, {3, -1, 3.5f}, {1, -1, 3.5f}});
+  add_object(scene, {{3, -1, 2.5f}, {5, -1, 2.5f}, {5, -1, 3.5f}, {3, -1, 3.5f}});
+  const auto counts = study_types(scene);
+  EXPECT_EQ(scene.get_items("wall").get_count(), wall_count + 1);
+  EXPECT_EQ(counts.at(type::facade_balcony_intermediate), 1);
+  EXPECT_EQ(counts.count(type::unknown), 0U);
+  for (const qvi_connexion* connexion : connexions_of(scene))
+    EXPECT_GE(connexion->get_walls().get_count(), 2) << connexion->get_name();
+}
+
 // An L of two rooms whose inner corner is the only one of its kind.
 TEST(qv_add_connexions, tells_an_inner_corner_from_outer_ones) {
   qv_scene scene;
