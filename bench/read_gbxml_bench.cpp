@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <pugixml.hpp>
 #include <string>
@@ -26,8 +25,9 @@ using bytes = std::shared_ptr<const std::string>;
 
 bytes read_file(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  return std::make_shared<const std::string>(std::istreambuf_iterator<char>(file),
-                                             std::istreambuf_iterator<char>());
+  auto content = std::make_shared<std::string>(fs::file_size(path), '\0');
+  file.read(content->data(), static_cast<std::streamsize>(content->size()));
+  return content;
 }
 
 void parse(benchmark::State& state, const bytes& content) {
