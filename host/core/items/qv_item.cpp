@@ -87,7 +87,8 @@ qv_item::~qv_item() {
   }
   if (params_->get_owner() == this) params_->orphan();
   set_source(nullptr);
-  if (referrers_.get_count() > 0 || rarities_ != nullptr) release_referrers({this});
+  doomed_ = true;
+  release_referrers();
   params_->release();
 }
 
@@ -380,8 +381,8 @@ void qv_item::destroy(qv_item* item) {
 }
 
 void qv_item::free_items(const std::vector<qv_item*>& doomed) {
-  const std::unordered_set<const qv_item*> set(doomed.begin(), doomed.end());
-  for (qv_item* item : doomed) item->release_referrers(set);
+  for (qv_item* item : doomed) item->doomed_ = true;
+  for (qv_item* item : doomed) item->release_referrers();
   for (auto item = doomed.rbegin(); item != doomed.rend(); ++item) {
     (*item)->children_.clear();
     (*item)->parent_ = nullptr;
@@ -390,11 +391,11 @@ void qv_item::free_items(const std::vector<qv_item*>& doomed) {
   }
 }
 
-void qv_item::release_referrers(const std::unordered_set<const qv_item*>& doomed) {
+void qv_item::release_referrers() {
   while (referrers_.get_count() > 0) {
     qv_param* const param = referrers_[referrers_.get_count() - 1];
     qv_item* const owner = param->get_owner();
-    const bool announced = owner != nullptr && doomed.find(owner) == doomed.end();
+    const bool announced = owner != nullptr && !owner->doomed_;
     if (announced) param->set_date(qv_get_new_date());
     param->forget(this);
     if (announced) owner->announce_change(param->get_name());

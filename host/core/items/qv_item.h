@@ -3,7 +3,6 @@
 #include <memory>
 #include <new>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "core/items/qv_item_type.h"
@@ -219,7 +218,7 @@ class qv_item {
   void detach();
   int find_position_in_parent() const;
   // No parameter and no source link refers to this item any more.
-  void release_referrers(const std::unordered_set<const qv_item*>& doomed);
+  void release_referrers();
   // Frees items that have no parent outside the list, parents first in it.
   static void free_items(const std::vector<qv_item*>& doomed);
   // The subtree in depth-first order, this item first.
@@ -244,6 +243,7 @@ class qv_item {
   int position_ = 0;        // where to look first among the parent's children
   bool selected_ = false;
   bool mouseover_ = false;
+  bool doomed_ = false;  // being freed: what happens to it is not announced
 };
 
 /// `collect` with the pointers of class T; `type_name` must be T's type or one that derives from
