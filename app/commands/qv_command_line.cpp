@@ -240,7 +240,7 @@ void qv_command::set_check(std::function<std::string()> check) {
 std::string qv_command::get_help() const {
   std::string name = app_->get_name();
   for (const CLI::App* above = app_->get_parent(); above != nullptr; above = above->get_parent())
-    name = above->get_name() + " " + name;
+    name.insert(0, " ").insert(0, above->get_name());
   return app_->get_formatter()->make_help(app_, name, CLI::AppFormatMode::Normal);
 }
 

@@ -5,6 +5,7 @@
 #include "app/readers/qv_input_error.h"
 #include "app/report/qv_json_writer.h"
 #include "app/report/qv_report_fields.h"
+#include "app/report/qv_summary_text.h"
 #include "app/report/qv_utf8.h"
 
 namespace qv {
@@ -29,11 +30,12 @@ std::string qv_findings_text(const qv_findings_report& report) {
   std::string text;
   for (const qv_finding& finding : report.findings) text += line_of(finding);
   if (!report.repaired_file.empty())
-    text += fmt::format("{} surfaces turned, written to {}\n", report.turned_count,
-                        report.repaired_file);
+    text +=
+        fmt::format("{} turned, written to {}\n",
+                    qv_plural(static_cast<std::size_t>(report.turned_count), "surface", "surfaces"),
+                    report.repaired_file);
   if (report.findings.empty()) return text + "no findings\n";
-  return text + fmt::format("{} {}\n", report.findings.size(),
-                            report.findings.size() == 1 ? "finding" : "findings");
+  return text + qv_plural(report.findings.size(), "finding", "findings") + "\n";
 }
 
 std::string qv_findings_json(const qv_findings_report& report) {

@@ -75,7 +75,7 @@ TEST_F(check_command, turns_what_is_reversed_and_leaves_the_rest) {
   const std::string mended = place_.path() / "new" / "mended.xml";
   const auto run = qv_run({"check", write_room(false), "--fix", "--out", mended});
   EXPECT_EQ(run.exit_code, 0) << run.output << run.errors;
-  EXPECT_EQ(run.output, "1 surfaces turned, written to " + mended + "\nno findings\n");
+  EXPECT_EQ(run.output, "1 surface turned, written to " + mended + "\nno findings\n");
   EXPECT_EQ(qv_run({"check", mended}).exit_code, 0);
   const auto left = qv_run({"check", write_room(true), "--fix", "--out", mended});
   EXPECT_EQ(left.exit_code, 1);
