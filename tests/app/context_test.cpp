@@ -40,7 +40,7 @@ const std::string house = QV_SOURCE_DIR "/samples/house.xml";
 class qv_context : public testing::Test {
  protected:
   std::string write(const std::string& name, const std::string& text) const {
-    const std::string path = (folder_.path() / name).string();
+    std::string path = (folder_.path() / name).string();
     std::ofstream(path, std::ios::binary) << text;
     return path;
   }

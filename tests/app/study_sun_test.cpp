@@ -291,9 +291,9 @@ TEST(qv_program, understands_the_options_of_the_sun) {
 TEST(qv_program, leaves_nothing_behind_when_it_is_interrupted) {
   const qv_temporary_folder folder;
   const std::string out = (folder.path() / "out").string();
-  const auto run = qv_run_shell("timeout --signal=INT 2 \"$QV\" study --no-pictures '" + sample +
+  const auto run = qv_run_shell("timeout --signal=INT 0.6 \"$QV\" study --no-pictures '" + sample +
                                 "' --out '" + out + "' --quality fine --reflexions 60");
-  // Where two seconds suffice for all of it, or do not suffice to begin.
+  // Where so little time suffices for all of it, or does not suffice to begin.
   if (run.exit_code == 0 || run.errors.empty()) GTEST_SKIP() << "no time to interrupt it";
   EXPECT_THAT(run.errors, HasSubstr("interrupted; nothing was written"));
   EXPECT_FALSE(fs::exists(out));

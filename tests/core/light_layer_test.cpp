@@ -92,8 +92,8 @@ TEST(qv_raytracing_layer, follows_changes_of_geometry) {
 
 TEST(qv_raytracing_layer, follows_changes_of_one_and_of_most_among_many) {
   qv_scene scene;
-  std::vector<qvi_mesh*> meshes;
-  for (int i = 0; i < 60; ++i) meshes.push_back(add_square(scene, static_cast<float>(100 + i)));
+  std::vector<qvi_mesh*> meshes(60);
+  for (std::size_t i = 0; i < 60; ++i) meshes[i] = add_square(scene, 100 + static_cast<float>(i));
   ASSERT_EQ(height(scene), 100);
   load(*meshes[31], square(10, 90));
   EXPECT_EQ(height(scene), 90);
