@@ -40,7 +40,6 @@ constexpr float same_passage = 1e-5f;
 struct slot {
   qvi_mesh* mesh = nullptr;
   unsigned int date = 0;
-  int rank = -1;      // place in the set; −1 not in the set
   int level_id = -1;  // −1 in none
   std::uint32_t first = 0;
   std::uint32_t count = 0;
@@ -49,7 +48,7 @@ struct slot {
 struct trace_context {
   RTCIntersectContext kernel;
   const level* current = nullptr;
-  const std::vector<slot>* slots = nullptr;
+  const std::vector<int>* ranks = nullptr;
   // By ray, of its nearest hit.
   std::array<const primitive*, qv_ray_packet::size> nearest;
   std::array<float, qv_ray_packet::size> distance;
@@ -75,7 +74,7 @@ void accept_hit(const RTCFilterFunctionNArguments* arguments) {
     bool accepted = !context.current->has_dead() || hit->slot >= 0;
     if (accepted && former != nullptr && distance == context.distance[ray]) {
       const auto place = [&](const primitive* p) {
-        return std::pair((*context.slots)[static_cast<std::size_t>(p->slot)].rank, p->triangle);
+        return std::pair((*context.ranks)[static_cast<std::size_t>(p->slot)], p->triangle);
       };
       accepted = place(hit) < place(former);
     }
@@ -100,7 +99,7 @@ void accept_occluder(const RTCFilterFunctionNArguments* arguments) {
     if (hit.slot < 0) {
       arguments->valid[i] = 0;
     } else if (context.transmission != nullptr) {
-      const int rank = (*context.slots)[static_cast<std::size_t>(hit.slot)].rank;
+      const int rank = (*context.ranks)[static_cast<std::size_t>(hit.slot)];
       const qv_3dvector towards_light(RTCRayN_dir_x(arguments->ray, count, i),
                                       RTCRayN_dir_y(arguments->ray, count, i),
                                       RTCRayN_dir_z(arguments->ray, count, i));
@@ -207,6 +206,9 @@ struct qv_raytracer::kernel {
   qv_list<qvi_mesh*> meshes;
   bool set_changed = false;
   std::vector<slot> slots;
+  // By slot, the place of its mesh in the set; −1 not in the set. Apart from the slots, since every
+  // hit asks for it.
+  std::vector<int> ranks;
   std::vector<int> free_slots;
   std::vector<int> by_mesh;   // slots in use, by the addresses of their meshes
   std::vector<level> levels;  // the largest first
@@ -214,6 +216,7 @@ struct qv_raytracer::kernel {
   qv_3dvector centre;
 
   slot& at(int index) { return slots[static_cast<std::size_t>(index)]; }
+  int& rank_of(int index) { return ranks[static_cast<std::size_t>(index)]; }
   int find_slot(const qvi_mesh* mesh) const;
   int make_slot(qvi_mesh* mesh);
   void bury(slot& s);
@@ -238,6 +241,7 @@ int qv_raytracer::kernel::make_slot(qvi_mesh* mesh) {
   if (free_slots.empty()) {
     index = static_cast<int>(slots.size());
     slots.emplace_back();
+    ranks.push_back(-1);
   } else {
     index = free_slots.back();
     free_slots.pop_back();
@@ -260,8 +264,11 @@ void qv_raytracer::kernel::bury(slot& s) {
 
 void qv_raytracer::kernel::apply_set(std::vector<int>& fresh) {
   // A model that is read once keeps no room to spare.
-  if (slots.empty()) slots.reserve(static_cast<std::size_t>(meshes.get_count()));
-  for (slot& s : slots) s.rank = -1;
+  if (slots.empty()) {
+    slots.reserve(static_cast<std::size_t>(meshes.get_count()));
+    ranks.reserve(static_cast<std::size_t>(meshes.get_count()));
+  }
+  ranks.assign(slots.size(), -1);
   for (int i = 0; i < meshes.get_count(); ++i) {
     int index = find_slot(meshes[i]);
     if (index < 0) {
@@ -269,13 +276,13 @@ void qv_raytracer::kernel::apply_set(std::vector<int>& fresh) {
       at(index).date = meshes[i]->get_geometry_date();
       fresh.push_back(index);
     }
-    at(index).rank = i;
+    rank_of(index) = i;
   }
   by_mesh.clear();
   by_mesh.reserve(static_cast<std::size_t>(meshes.get_count()));
   for (std::size_t i = 0; i < slots.size(); ++i) {
     slot& s = slots[i];
-    if (s.rank >= 0) {
+    if (ranks[i] >= 0) {
       by_mesh.push_back(static_cast<int>(i));
     } else if (s.mesh != nullptr) {
       bury(s);
@@ -319,7 +326,7 @@ void qv_raytracer::kernel::rebuild(std::vector<int>& fresh) {
   }
 
   // Scene order keeps neighbours together and makes the pool independent of its history.
-  std::sort(fresh.begin(), fresh.end(), [this](int a, int b) { return at(a).rank < at(b).rank; });
+  std::sort(fresh.begin(), fresh.end(), [this](int a, int b) { return rank_of(a) < rank_of(b); });
   level made;
   made.id = next_level_id++;
   made.primitives.reserve(count);
@@ -412,7 +419,7 @@ bool qv_raytracer::raytrace(qv_ray& ray) const {
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
   context.kernel.filter = accept_hit;
-  context.slots = &kernel_->slots;
+  context.ranks = &kernel_->ranks;
   context.nearest[0] = nullptr;
   for (const level& l : kernel_->levels) {
     context.current = &l;
@@ -425,7 +432,7 @@ bool qv_raytracer::raytrace(qv_ray& ray) const {
   if (nearest == nullptr) return false;
   ray.hit_distance = query.ray.tfar;
   ray.hit_mesh = nearest->mesh;
-  ray.hit_mesh_index = kernel_->at(nearest->slot).rank;
+  ray.hit_mesh_index = kernel_->rank_of(nearest->slot);
   ray.hit_triangle = nearest->triangle;
   ray.hit_normal = nearest->normal;
   return true;
@@ -451,7 +458,7 @@ void qv_raytracer::find_light(qv_ray_packet& packet, const float* transmission,
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
   if (parallel) context.kernel.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
-  context.slots = &kernel_->slots;
+  context.ranks = &kernel_->ranks;
   context.transmission = transmission;
   context.light = packet.light;
   if (transmission != nullptr) context.passed_mesh.fill(-1);
@@ -463,7 +470,7 @@ void qv_raytracer::find_hits(const qv_ray_packet& packet, qv_packet_hits& hits) 
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
   context.kernel.filter = accept_hit;
-  context.slots = &kernel_->slots;
+  context.ranks = &kernel_->ranks;
   context.nearest.fill(nullptr);
 
   alignas(32) int valid[qv_ray_packet::size];
@@ -478,7 +485,7 @@ void qv_raytracer::find_hits(const qv_ray_packet& packet, qv_packet_hits& hits) 
       hits.distance[i] = -1;
       continue;
     }
-    hits.mesh_index[i] = kernel_->at(nearest->slot).rank;
+    hits.mesh_index[i] = kernel_->rank_of(nearest->slot);
     hits.normal[i] = nearest->normal;
   }
 }
