@@ -123,6 +123,19 @@ TEST(qv_raytracing_layer, forgets_the_change_of_a_mesh_that_left) {
   EXPECT_EQ(height(scene), 10);
 }
 
+TEST(qv_raytracing_layer, keeps_changes_while_others_come_and_go) {
+  qv_scene scene;
+  add_square(scene, 9);
+  qvi_mesh* mesh = add_square(scene, 8);
+  ASSERT_EQ(height(scene), 8);
+  load(*mesh, square(10, 7));
+  for (int i = 0; i < 1000; ++i) qv_item::destroy(add_square(scene, 2));
+  qvi_mesh* last = add_square(scene, 6);
+  EXPECT_EQ(height(scene), 6);
+  qv_item::destroy(last);
+  EXPECT_EQ(height(scene), 7);
+}
+
 TEST(qv_raytracing_layer, follows_a_polygon_that_is_turned) {
   qv_scene scene;
   qv_polygon shape({0, 0, 2}, {0, 0, 1});

@@ -122,6 +122,9 @@ void qv_raytracing_layer::note_changed(qvi_mesh* mesh) {
 
 void qv_raytracing_layer::mark_changed(member_map::value_type& entry) {
   if (entry.second.changed) return;
+  // Meshes that come and go between two updates would fill the list.
+  if (changed_.size() > 2 * members_.size())
+    for (qvi_mesh* mesh : take_changed()) mark_changed(*members_.find(mesh));
   entry.second.changed = true;
   changed_.push_back(entry.first);
 }
