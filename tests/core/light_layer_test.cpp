@@ -125,7 +125,7 @@ TEST(qv_raytracing_layer, forgets_the_change_of_a_mesh_that_left) {
 
 TEST(qv_raytracing_layer, keeps_changes_while_others_come_and_go) {
   qv_scene scene;
-  add_square(scene, 9);
+  for (int i = 0; i < 100; ++i) add_square(scene, static_cast<float>(10 + i));
   qvi_mesh* mesh = add_square(scene, 8);
   ASSERT_EQ(height(scene), 8);
   load(*mesh, square(10, 7));
