@@ -13,6 +13,12 @@ struct qv_program_run {
 /// Runs the program that was built beside the tests, as a user does, with no terminal.
 qv_program_run qv_run(const std::vector<std::string>& arguments);
 
+/// The same with a terminal as standard error; `errors` is what was written to it.
+qv_program_run qv_run_on_terminal(const std::vector<std::string>& arguments);
+
+/// The same with a terminal as standard error; `errors` is what came to the terminal.
+qv_program_run qv_run_on_terminal(const std::vector<std::string>& arguments);
+
 /// Runs a shell command in which "$QV" is the program.
 qv_program_run qv_run_shell(const std::string& command);
 
