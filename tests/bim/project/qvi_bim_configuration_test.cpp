@@ -10,6 +10,7 @@
 #include "bim/hierarchy/qvi_space.h"
 #include "bim/materials/qvi_composition.h"
 #include "bim/materials/qvi_material.h"
+#include "bim/materials/qvi_opaque.h"
 #include "core/light/qvi_schedule.h"
 #include "tests/support/qv_recorders.h"
 #include "tests/support/qv_shapes.h"
@@ -221,7 +222,7 @@ TEST_F(qvi_bim_configuration_test, learns_the_psi_that_junctions_agree_on) {
   auto* other = project_.add_wall(1, contact::outer_wall, nullptr);
   auto* stray = project_.add_wall(-1, contact::outer_wall, nullptr);
   const float nan = std::numeric_limits<float>::quiet_NaN();
-  for (const float psi : {0.0f, 0.5f, -1.0f, nan, 0.5f})
+  for (const float psi : {0.0f, 0.5f, -1.0f, 0.0f, nan, 0.5f})
     project_.add_junction({wall, other}, junction::roof_facade, psi);
   project_.add_junction({}, junction::roof_facade, 0.7f);
   project_.add_junction({stray, wall}, junction::roof_facade, 0.7f);
@@ -336,6 +337,41 @@ TEST_F(qvi_bim_configuration_test, gives_walls_the_composition_of_their_contact_
   EXPECT_EQ(inner->get_composition(), tiles);  // no choice
   EXPECT_EQ(roof->get_composition(), tiles);   // no key
   EXPECT_EQ(stray->get_composition(), tiles);
+  EXPECT_TRUE(scene_.announced.empty());
+}
+
+TEST_F(qvi_bim_configuration_test, goes_by_the_first_entry_of_a_key_even_without_a_choice) {
+  auto* brick = project_.add<qvi_composition>("brick");
+  auto* oak = project_.add<qvi_opening_composition>("oak");
+  configuration_.set_contact_types({contact::outer_wall, contact::outer_wall});
+  configuration_.set_wall_compositions({nullptr, brick});
+  configuration_.set_opening_types({kind::door, kind::door});
+  configuration_.set_opening_compositions({nullptr, oak});
+  qvi_wall* const wall = project_.add_wall(0, contact::outer_wall, nullptr);
+  qvi_opening* const door = project_.add_opening(wall, kind::door, nullptr);
+  configuration_.apply_walls_to_scene(&scene_, project_.both(), true);
+  configuration_.apply_openings_to_scene(&scene_, project_.both(), true);
+  EXPECT_EQ(wall->get_composition(), nullptr);
+  EXPECT_EQ(door->get_composition(), nullptr);
+  EXPECT_TRUE(scene_.announced.empty());
+}
+
+TEST_F(qvi_bim_configuration_test, gives_nothing_for_keys_beyond_its_choices) {
+  auto* brick = project_.add<qvi_composition>("brick");
+  configuration_.set_contact_types({contact::roof, contact::outer_wall});
+  configuration_.set_wall_compositions({brick});
+  configuration_.set_opening_types({kind::door});
+  configuration_.set_connexion_types({junction::roof_roof, junction::roof_facade});
+  configuration_.set_connexion_values({0.5f});
+  qvi_wall* const wall = project_.add_wall(0, contact::outer_wall, nullptr);
+  qvi_opening* const door = project_.add_opening(wall, kind::door, nullptr);
+  qvi_connexion* const eaves = project_.add_junction({wall}, junction::roof_facade, 0.1f);
+  configuration_.apply_walls_to_scene(&scene_, project_.both(), true);
+  configuration_.apply_openings_to_scene(&scene_, project_.both(), true);
+  configuration_.apply_connexions_to_scene(&scene_, project_.both(), true);
+  EXPECT_EQ(wall->get_composition(), nullptr);
+  EXPECT_EQ(door->get_composition(), nullptr);
+  EXPECT_EQ(eaves->get_psi(), 0.1f);
   EXPECT_TRUE(scene_.announced.empty());
 }
 
@@ -534,6 +570,75 @@ TEST_F(qvi_bim_configuration_test, takes_a_composition_of_another_name_for_anoth
   scene_.forget();
   configuration_.apply_compositions_to_scene(&scene_, false);
   EXPECT_EQ(scene_.get_items("composition").get_count(), 2);
+}
+
+TEST_F(qvi_bim_configuration_test, brings_a_choice_of_another_name_than_that_of_its_twin) {
+  auto* brick = new qvi_composition;
+  auto* oak = new qvi_opening_composition;
+  brick->set_name("brick");
+  oak->set_name("oak");
+  configuration_.set_contact_types({contact::outer_wall});
+  configuration_.set_wall_compositions({brick});
+  configuration_.set_opening_types({kind::door});
+  configuration_.set_opening_compositions({oak});
+  project_.add<qvi_composition>("stone");  // otherwise alike
+  project_.add<qvi_opening_composition>("fir");
+  qvi_wall* const wall = project_.add_wall(0, contact::outer_wall, nullptr);
+  qvi_opening* const door = project_.add_opening(wall, kind::door, nullptr);
+  configuration_.apply_walls_to_scene(&scene_, project_.both(), false);
+  configuration_.apply_openings_to_scene(&scene_, project_.both(), false);
+  EXPECT_EQ(wall->get_composition(), brick);
+  EXPECT_EQ(door->get_composition(), oak);
+  EXPECT_EQ(names_of(scene_.get_items("composition")),
+            (std::vector<std::string>{"stone", "brick"}));
+  EXPECT_EQ(names_of(scene_.get_items("opening_composition")),
+            (std::vector<std::string>{"fir", "oak"}));
+}
+
+// What a composition refers to gives way to what the scene has of it.
+TEST_F(qvi_bim_configuration_test, announces_what_it_changes_in_what_it_brings) {
+  auto* own_wool = project_.add<qvi_material>("wool");
+  auto* own_leaf = project_.add<qvi_opaque>("leaf");
+  qvi_wall* const wall = project_.add_wall(0, contact::outer_wall, nullptr);
+  for (const bool record : {false, true}) {
+    for (const bool by_table : {false, true}) {
+      SCOPED_TRACE(testing::Message() << record << by_table);
+      auto configuration = qv_test::make_item<qvi_bim_configuration>();
+      const auto add = [&configuration](qv_item* item, const std::string& name) {
+        item->set_name(name);
+        configuration->add_child(item, -1);
+      };
+      auto* wool = new qvi_material;
+      auto* leaf = new qvi_opaque;
+      auto* brick = new qvi_composition;
+      auto* door = new qvi_opening_composition;
+      const std::string number = std::to_string(2 * record + by_table);
+      add(wool, "wool");
+      add(leaf, "leaf");
+      add(brick, "brick " + number);
+      add(door, "door " + number);
+      brick->set_layers({wool});
+      door->set_opaque(leaf);
+      scene_.forget();
+      if (by_table) {
+        configuration->set_contact_types({contact::roof});
+        configuration->set_wall_compositions({brick});
+        configuration->set_opening_types({kind::door});
+        configuration->set_opening_compositions({door});
+        configuration->apply_walls_to_scene(&scene_, qv_list<qvi_wall*>{wall}, record);
+        configuration->apply_openings_to_scene(&scene_, qv_list<qvi_opening*>{}, record);
+      } else {
+        configuration->apply_compositions_to_scene(&scene_, record);
+        configuration->apply_opening_compositions_to_scene(&scene_, record);
+      }
+      EXPECT_EQ(brick->get_scene(), &scene_);
+      EXPECT_EQ(door->get_scene(), &scene_);
+      EXPECT_EQ(to_vector(brick->get_layers()), std::vector<qvi_matter*>{own_wool});
+      EXPECT_EQ(door->get_opaque(), own_leaf);
+      const std::vector<notification> changes = {{brick, "layers"}, {door, "opaque"}};
+      EXPECT_EQ(scene_.announced, record ? changes : std::vector<notification>{});
+    }
+  }
 }
 
 TEST_F(qvi_bim_configuration_test, puts_its_copies_into_a_scene_that_lacks_them_once) {

@@ -107,6 +107,33 @@ TEST_F(qvi_bim_root_json, writes_one_mesh_by_its_own_text) {
   EXPECT_EQ(to_json(), text_with(",\"geometry:\":" + mesh->to_json()));
 }
 
+TEST_F(qvi_bim_root_json, leaves_the_vertices_of_one_mesh_as_they_are) {
+  auto* mesh = new qvi_mesh;  // two triangles that share an edge, but for less than a millimetre
+  mesh->load_from_triangles(
+      {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1.0005f, 0, 0}, {1, 1, 0}, {0, 1.0005f, 0}},
+      {0, 1, 2, 3, 4, 5});
+  space_->add_child(mesh, -1);
+  ASSERT_EQ(mesh->get_nb_vertices(), 6);
+  EXPECT_EQ(to_json(), text_with(",\"geometry:\":" + mesh->to_json()));
+}
+
+TEST_F(qvi_bim_root_json, joins_vertices_of_several_meshes_up_to_a_millimetre) {
+  for (const float gap : {0.0009f, 0.0011f}) {
+    auto* const one = add_triangle(space_, 1);
+    auto* const other = new qvi_mesh;
+    other->load_from_triangles({{1, gap, 1}, {1, 1, 1}, {0, 1, 1}}, {0, 1, 2});
+    space_->add_child(other, -1);
+    qvi_mesh expected;
+    expected.load_from_triangles({{0, 0, 1}, {1, 0, 1}, {0, 1, 1}}, {0, 1, 2});
+    expected.merge(other);
+    expected.optimize_vertices(0.001f);
+    ASSERT_EQ(expected.get_nb_vertices(), gap < 0.001f ? 4 : 5);
+    EXPECT_EQ(to_json(), text_with(",\"geometry:\":" + expected.to_json()));
+    qv_item::destroy(one);
+    qv_item::destroy(other);
+  }
+}
+
 TEST_F(qvi_bim_root_json, merges_several_meshes_into_one) {
   auto* folder = new qv_item;
   space_->add_child(folder, -1);
