@@ -239,10 +239,10 @@ TEST(qvi_bim_object_footprint, leaves_out_faces_within_about_half_a_degree_of_th
   // A base of 4 × 1 m and two steep flanks that add height and nothing to the outline.
   auto object = make_item<qvi_bim_object>();
   qv_test::add_face(*object, qv_test::rectangle({0, 0, 0}, {4, 0, 0}, {0, 1, 0}));
-  // |n · N| = 0.015 counts …
-  qv_test::add_face(*object, qv_test::rectangle({0, 0, 0}, {1, 0, 0}, {0, 0.0075f, 0.5f}));
-  // … and 0.005 does not.
-  qv_test::add_face(*object, qv_test::rectangle({2, 0, 0}, {3, 0, 0}, {2, 0.005f, 1}));
+  // |n · N| = 0.0102 counts …
+  qv_test::add_face(*object, qv_test::rectangle({0, 0, 0}, {1, 0, 0}, {0, 0.0051f, 0.5f}));
+  // … and 0.0098 does not.
+  qv_test::add_face(*object, qv_test::rectangle({2, 0, 0}, {3, 0, 0}, {2, 0.0098f, 1}));
   const qv_3dvector normal = object->find_main_normal();
   ASSERT_EQ(normal, qv_3dvector(0, 0, 1));
   const footprint found = take_footprint(*object, 4);
@@ -283,13 +283,35 @@ TEST(qvi_bim_object_footprint, of_a_thin_object_has_no_slices) {
   EXPECT_TRUE(found.slices.empty());
 }
 
+TEST(qvi_bim_object_footprint, has_a_slice_more_than_there_are_tenths_of_a_metre) {
+  for (const float extent : {0.101f, 0.199f, 0.201f}) {
+    auto object = make_item<qvi_bim_object>();
+    add_prism(*object, make_rectangle(0, 0, 1, 1), extent);
+    const qv_3dvector normal = object->find_main_normal();
+    const float low = normal.z > 0 ? 0 : -extent;
+    expect_slices(take_footprint(*object, 4), normal, low, low + extent, extent < 0.2f ? 2 : 3, 1);
+  }
+}
+
+TEST(qvi_bim_object_footprint, of_an_object_seen_edge_on_is_none) {
+  auto object = make_item<qvi_bim_object>();
+  qvi_polygon* const panel =
+      qv_test::add_face(*object, qv_test::rectangle({0, 0, 0}, {2, 0, 0}, {0, 3, 0}));
+  ASSERT_EQ(object->find_main_normal(), qv_3dvector(0, 0, 1));
+  // Turned without telling, so that the direction found before stays.
+  panel->matrix_transform(qv_matrix::rotation(0, 90), false);
+  ASSERT_EQ(object->find_main_normal(), qv_3dvector(0, 0, 1));
+  EXPECT_TRUE(object->get_footprints().is_empty());
+  EXPECT_EQ(object->get_children().get_count(), 1);
+}
+
 TEST(qvi_bim_object_footprint, of_less_than_a_tenth_of_a_square_metre_is_none) {
   auto small = make_item<qvi_bim_object>();
-  add_prism(*small, make_rectangle(0, 0, 0.33f, 0.3f), 0.02f);
+  add_prism(*small, make_rectangle(0, 0, 0.333f, 0.3f), 0.02f);
   EXPECT_TRUE(small->get_footprints().is_empty());
   EXPECT_EQ(small->get_children().get_count(), 1);
   auto enough = make_item<qvi_bim_object>();
-  add_prism(*enough, make_rectangle(0, 0, 0.34f, 0.3f), 0.02f);
+  add_prism(*enough, make_rectangle(0, 0, 0.334f, 0.3f), 0.02f);
   EXPECT_EQ(enough->get_footprints().get_count(), 6);
   auto empty = make_item<qvi_bim_object>();
   EXPECT_TRUE(empty->get_footprints().is_empty());

@@ -123,6 +123,40 @@ TEST_F(qvi_limit_condition_test, measures_from_the_lowest_lower_floor_only) {
   EXPECT_EQ(high->get_limit_condition(), nullptr);
 }
 
+TEST_F(qvi_limit_condition_test, works_at_any_height_above_the_sea) {
+  for (const float altitude : {-4000.0f, 4000.0f, 1e6f}) {
+    qv_scene scene;
+    const auto add_floor = [&scene](float z) {
+      qvi_wall* const floor =
+          qv_test::add_wall(scene, qvi_wall::wall_type::floor, nullptr, nullptr,
+                            qv_test::rectangle({0, 0, z}, {0, 3, z}, {3, 0, z}), 0);
+      floor->precompute();
+      floor->set_contact_type(contact::lower_floor);
+      return floor;
+    };
+    qvi_wall* const low = add_floor(altitude);
+    qvi_wall* const near = add_floor(altitude + 1.5f);
+    qvi_wall* const high = add_floor(altitude + 2);
+    qvi_limit_condition::default_limit_conditions(&scene);
+    EXPECT_NE(low->get_limit_condition(), nullptr) << altitude;
+    EXPECT_NE(near->get_limit_condition(), nullptr) << altitude;
+    EXPECT_EQ(high->get_limit_condition(), nullptr) << altitude;
+  }
+}
+
+TEST_F(qvi_limit_condition_test, gives_none_to_a_floor_without_geometry) {
+  auto* crawlspace = add_condition(typology::crawlspace);
+  qvi_wall* const floor = add_wall(contact::lower_floor, 5);
+  auto* const bare = new qvi_wall;
+  scene_.add_child(bare, -1);
+  bare->set_contact_type(contact::lower_floor);
+  bare->set_limit_condition(crawlspace);
+  run();
+  EXPECT_NE(floor->get_limit_condition(), nullptr);
+  EXPECT_EQ(bare->get_limit_condition(), nullptr);
+  qvi_limit_condition::default_limit_conditions(nullptr);  // does nothing
+}
+
 TEST_F(qvi_limit_condition_test, takes_the_lowest_point_of_each_floor) {
   qvi_wall* flat = add_wall(contact::lower_floor, 0);
   // A floor whose face lies at 2 m, with another polygon below it at 1 m.
