@@ -178,6 +178,27 @@ TEST(items_setter_kinds, labels_belong_to_enumerations) {
   EXPECT_EQ(item.param("count")->get_labels(), nullptr);
 }
 
+TEST(items_setter_kinds, labels_stay_when_the_given_list_goes) {
+  auto* item = new qv_item;
+  auto* other = new qv_item;
+  {
+    const qv_list<std::string> labels{"first label of the list", "second label of the list"};
+    item->add_param_enum("choice", labels, 1);
+    item->add_param_enum_list("choices", labels);
+    const qv_list<std::string> others{"the other item's only label"};
+    other->add_param_enum("choice", others, 0);
+  }
+  const qv_list<std::string> expected{"first label of the list", "second label of the list"};
+  EXPECT_EQ(*item->find_param("choice")->get_labels(), expected);
+  EXPECT_EQ(*item->find_param("choices")->get_labels(), expected);
+  EXPECT_NE(item->get_txt_information().find("choice: second label of the list\n"),
+            std::string::npos);
+  EXPECT_NE(other->get_txt_information().find("choice: the other item's only label\n"),
+            std::string::npos);
+  qv_item::destroy(item);
+  qv_item::destroy(other);
+}
+
 TEST(items_setter_kinds, label_lists_are_made_once) {
   EXPECT_EQ(&probe_item::get_phase_list(), &probe_item::get_phase_list());
   EXPECT_EQ(probe_item::get_phase_list().get_count(), 3);

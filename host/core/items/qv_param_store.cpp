@@ -24,9 +24,24 @@ std::vector<std::unique_ptr<qv_param_declaration>>& get_declarations() {
 
 // --- declarations ---
 
+namespace {
+
+/// A list with these labels that stays: who declares a parameter may let go of its own.
+const qv_list<std::string>* keep_labels(const qv_list<std::string>& labels) {
+  static auto& kept = *new std::vector<std::unique_ptr<const qv_list<std::string>>>;
+  for (const auto& known : kept) {
+    if (*known == labels) return known.get();
+  }
+  kept.push_back(std::make_unique<const qv_list<std::string>>(labels));
+  return kept.back().get();
+}
+
+}  // namespace
+
 unsigned int qv_param_declaration::get_index(const std::string& name, qv_param::param_type type,
-                                             const qv_list<std::string>* labels,
+                                             const qv_list<std::string>* given_labels,
                                              const qv_param_options& options) {
+  const auto* const labels = given_labels == nullptr ? nullptr : keep_labels(*given_labels);
   static auto& by_name = *new std::unordered_map<std::string, std::vector<unsigned int>>;
   auto& declarations = get_declarations();
   std::vector<unsigned int>& same_name = by_name[name];
