@@ -108,4 +108,36 @@ TYPED_TEST(copying, virtually_gives_a_new_item_of_the_class) {
   qv_item::destroy(copy);
 }
 
+// A copy in the scene says what its source says, and so does it when the source is gone.
+TEST(copying_in_a_scene, counts_where_the_source_counts) {
+  qv_scene scene;
+  auto* kind = new qvi_opening_composition;
+  auto* concrete = new qvi_matter;
+  auto* composition = new qvi_composition;
+  auto* wall = new qvi_wall;
+  auto* opening = new qvi_opening;
+  for (qv_item* item : std::initializer_list<qv_item*>{kind, concrete, composition, wall, opening})
+    scene.add_child(item, -1);
+  composition->set_layers({concrete});
+  wall->set_composition(composition);
+  opening->set_composition(kind);
+  opening->set_wall(wall);
+
+  auto* opening_copy = new qvi_opening(*opening);
+  EXPECT_EQ(kind->get_opening_count(), 1);
+  for (qv_item* copy : std::initializer_list<qv_item*>{opening_copy, new qvi_wall(*wall),
+                                                       new qvi_composition(*composition)})
+    scene.add_child(copy, -1);
+  EXPECT_EQ(kind->get_opening_count(), 2);
+  EXPECT_EQ(composition->get_wall_count(), 2);
+  EXPECT_EQ(concrete->get_composition_count(), 2);
+  wall->precompute();
+  EXPECT_EQ(wall->get_openings(), (qv_list<qvi_opening*>{opening, opening_copy}));
+
+  qv_item::destroy(opening);
+  EXPECT_EQ(kind->get_opening_count(), 1);
+  wall->precompute();
+  EXPECT_EQ(wall->get_openings(), qv_list<qvi_opening*>{opening_copy});
+}
+
 }  // namespace

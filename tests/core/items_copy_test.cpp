@@ -205,6 +205,76 @@ TEST_P(items_copy_constructor, many_copies_of_copies_share_one_store) {
   qv_item::destroy(copy_of_copy);
 }
 
+TEST_P(items_copy_constructor, refers_to_what_its_source_refers_to) {
+  qv_scene scene;
+  auto* source = new derived_probe_item;
+  auto* target = new probe_item;
+  scene.add_child(source, -1);
+  scene.add_child(target, -1);
+  source->set_link(target);
+  source->set_links({target, nullptr});
+  auto* copy = new derived_probe_item(*source);
+  const auto get_referrers = [&](const char* param) {
+    return qv_test::to_vector(scene.get_referrers("test_probe", param, target));
+  };
+  EXPECT_EQ(get_referrers("link"), std::vector<qv_item*>{source}) << "the copy is in no scene";
+  scene.add_child(copy, 0);
+  for (const char* param : {"link", "links", ""})
+    EXPECT_EQ(get_referrers(param), (std::vector<qv_item*>{copy, source})) << param;
+  EXPECT_TRUE(scene.get_referrers("test_probe", "number", target).is_empty());
+  EXPECT_TRUE(scene.get_referrers("mesh", "", target).is_empty());
+
+  qv_item::destroy(GetParam() ? source : copy);
+  derived_probe_item* const survivor = GetParam() ? copy : source;
+  EXPECT_EQ(get_referrers("link"), std::vector<qv_item*>{survivor});
+  survivor->set_link(nullptr);
+  EXPECT_TRUE(get_referrers("link").empty());
+  EXPECT_EQ(get_referrers("links"), std::vector<qv_item*>{survivor});
+  qv_item::destroy(survivor);
+  EXPECT_TRUE(get_referrers("").empty());
+}
+
+TEST_P(items_copy_constructor, refers_by_assignment_too) {
+  qv_scene scene;
+  auto* source = new derived_probe_item;
+  auto* assigned = new derived_probe_item;
+  auto* target = new probe_item;
+  for (qv_item* item : std::initializer_list<qv_item*>{source, assigned, target})
+    scene.add_child(item, -1);
+  source->set_link(target);
+  *assigned = *source;
+  *assigned = *source;
+  const auto get_referrers = [&] {
+    return qv_test::to_vector(scene.get_referrers("test_probe", "link", target));
+  };
+  EXPECT_EQ(get_referrers(), (std::vector<qv_item*>{source, assigned}));
+  destroy_both(source, assigned);
+  EXPECT_TRUE(get_referrers().empty());
+}
+
+TEST_P(items_copy_constructor, bears_the_date_of_each_change_of_a_shared_value) {
+  qv_scene scene;
+  auto* source = new derived_probe_item;
+  auto* copy = new derived_probe_item(*source);
+  auto* changed = GetParam() ? source : copy;
+  auto* other = GetParam() ? copy : source;
+  scene.add_child(other, -1);
+  std::vector<notification> heard;
+  other->when_changed = [&](qv_item* i, const std::string& name) { heard.push_back({i, name}); };
+  changed->set_number(33);
+  EXPECT_EQ(other->get_number(), 33.0f);
+  const unsigned int date = other->get_number_date();
+  EXPECT_EQ(date, qv_get_date());
+  EXPECT_EQ(other->get_local_date(), date);
+  EXPECT_EQ(other->get_date(), date);
+  EXPECT_EQ(scene.get_date(), date);
+  EXPECT_EQ(scene.get_last_change("test_probe", "number"), date);
+  EXPECT_TRUE(heard.empty()) << "it was set through the other one";
+  changed->set_name("its own");
+  EXPECT_EQ(other->get_date(), date) << "names are not shared";
+  destroy_both(source, copy);
+}
+
 INSTANTIATE_TEST_SUITE_P(in_either_order, items_copy_constructor, ::testing::Bool(),
                          [](const auto& order) {
                            return order.param ? "source_first" : "copy_first";

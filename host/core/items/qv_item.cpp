@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/items/qv_accessors.h"
+#include "core/items/qv_param_sharers.h"
 #include "core/items/qv_param_store.h"
 #include "core/items/qv_scene.h"
 #include "utilities/qv_date.h"
@@ -58,6 +59,7 @@ qv_item::qv_item(const qv_item& other)
       params_(other.params_),
       date_(qv_get_new_date()),
       local_date_(date_) {
+  qv_param_sharers::add(this);
   params_->retain();
   size_of_next_item = 0;
 }
@@ -66,6 +68,7 @@ qv_item& qv_item::operator=(const qv_item& other) {
   if (this == &other) return *this;
   name_ = other.name_ == nullptr ? nullptr : std::make_unique<std::string>(*other.name_);
   if (params_ != other.params_) {
+    qv_param_sharers::add(this);
     if (params_->get_owner() == this) params_->orphan();
     other.params_->retain();
     params_->release();
@@ -85,7 +88,11 @@ qv_item::~qv_item() {
     children_.clear();
     free_items(doomed);
   }
-  if (params_->get_owner() == this) params_->orphan();
+  if (params_->get_owner() == this) {
+    params_->orphan();
+  } else {
+    qv_param_sharers::remove(this);
+  }
   set_source(nullptr);
   doomed_ = true;
   release_referrers();
@@ -264,9 +271,19 @@ void qv_item::announce_change(const std::string& name) {
 }
 
 void qv_item::take_note_of_change(const std::string& name) {
-  local_date_ = qv_get_date();
-  stamp_upwards(local_date_);
-  if (scene_ != nullptr) scene_->note_change(this, name, local_date_);
+  const auto note = [&name, date = qv_get_date()](qv_item* item) {
+    item->local_date_ = date;
+    item->stamp_upwards(date);
+    if (item->scene_ != nullptr) item->scene_->note_change(item, name, date);
+  };
+  note(this);
+  // What shares the parameter has changed as well, wherever it is.
+  if (qv_param_sharers::get_all().empty() || find_param(name) == nullptr) return;
+  qv_item* const owner = params_->get_owner();
+  if (owner != nullptr && owner != this) note(owner);
+  for (qv_item* sharer : qv_param_sharers::get_all()) {
+    if (sharer != this && sharer->params_ == params_) note(sharer);
+  }
 }
 
 void qv_item::stamp_upwards(unsigned int date) {

@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "core/items/qv_accessors.h"
+#include "core/items/qv_param_sharers.h"
 #include "core/light/qv_raytracing_layer.h"
 #include "utilities/qv_date.h"
 
@@ -103,6 +104,22 @@ void qv_scene::renumber() {
   }
 }
 
+namespace {
+
+/// Whether a parameter of that name, any one when the name is empty, refers to `target`.
+bool refers(const qv_item& item, const std::string& param_name, const qv_item* target) {
+  for (int i = 0; i < item.get_param_count(); ++i) {
+    const qv_param& param = *item.get_param(i);
+    if (!param_name.empty() && param.get_name() != param_name) continue;
+    const qv_list<qv_item*>& list = param.get_item_list();
+    if (param.get_item() == target || std::find(list.begin(), list.end(), target) != list.end())
+      return true;
+  }
+  return false;
+}
+
+}  // namespace
+
 qv_list<qv_item*> qv_scene::get_referrers(const std::string& type_name,
                                           const std::string& param_name, const qv_item* item) {
   qv_list<qv_item*> found;
@@ -116,6 +133,12 @@ qv_list<qv_item*> qv_scene::get_referrers(const std::string& type_name,
     if (!owner->type_->derives_from(type)) continue;
     ordered = ordered && owner->order_ != 0;
     found.append(owner);
+  }
+  for (qv_item* sharer : qv_param_sharers::get_all()) {
+    if (sharer->scene_ != this || !sharer->type_->derives_from(type)) continue;
+    if (!refers(*sharer, param_name, item)) continue;
+    ordered = ordered && sharer->order_ != 0;
+    found.append(sharer);
   }
   if (!ordered && found.get_count() > 1) renumber();
   std::sort(found.begin(), found.end(),
