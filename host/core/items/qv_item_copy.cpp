@@ -76,7 +76,9 @@ qv_item* qv_item::full_copy() const {
     } else {
       copies[original->parent_]->add_child(made, -1);
     }
-    if (original->name_ != nullptr) made->name_ = std::make_unique<std::string>(*original->name_);
+    // Some classes give a new item a name.
+    made->name_ =
+        original->name_ == nullptr ? nullptr : std::make_unique<std::string>(*original->name_);
     made->set_source(original);
     made->copy_params(original);
   }

@@ -168,6 +168,17 @@ TEST(qvi_glazing_glass, shows_a_data_sheets_solar_transmittance_below_nothing_as
   EXPECT_NEAR(pane.get_solar_transmittance(), -0.12287, 1e-5);
 }
 
+// A new one has a name of its own, which must not come in the place of the copied one's.
+TEST(qvi_glazing_interlayer, copied_in_full_has_the_name_that_it_has_and_be_it_none) {
+  qvi_glazing_interlayer film;
+  for (const char* name : {"Interlayer", "PVB", ""}) {
+    film.set_name(name);
+    qv_item* const copy = film.full_copy();
+    EXPECT_EQ(copy->get_name(), name);
+    qv_item::destroy(copy);
+  }
+}
+
 TEST(qvi_glazing_pv, knows_the_share_of_its_cells) {
   EXPECT_EQ(qvi_glazing_pv().get_occupancy(), 0.3f);
 }
