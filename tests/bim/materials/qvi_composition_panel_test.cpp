@@ -150,6 +150,7 @@ TEST_F(qvi_composition_panel, shows_a_resistance_of_999_where_hardly_any_heat_pa
            " K.m<sup>2</sup>/W</td></tr><tr><td><b>U :<b></td><td>" + U + " W/m/K</td></tr>";
   };
   EXPECT_EQ(get_head(800), rows("800.000", "0.001"));
+  EXPECT_EQ(get_head(1000), rows("999.000", "0.001"));  // U is not more than 0.001
   EXPECT_EQ(get_head(2000),
             rows("999.000", "0.001"));  // U = 0.0005, a little above in single precision
   EXPECT_EQ(get_head(4000), rows("999.000", "0.000"));

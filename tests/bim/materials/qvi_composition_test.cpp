@@ -137,6 +137,9 @@ TEST_F(qvi_composition_test, next_to_no_resistance_counts_as_none) {
   board_->set_resistance(0.0009f);
   composition_->precompute();
   EXPECT_EQ(composition_->get_U(), 999.0f);
+  board_->set_resistance(0.001f);  // not more than that
+  composition_->precompute();
+  EXPECT_EQ(composition_->get_U(), 999.0f);
   board_->set_resistance(0.0011f);
   composition_->precompute();
   EXPECT_FLOAT_EQ(composition_->get_U(), 1 / 0.0011f);
