@@ -10,6 +10,7 @@
 
 #include "app/readers/qv_file.h"
 #include "app/readers/qv_input_error.h"
+#include "app/readers/qv_json_text.h"
 
 namespace qv {
 
@@ -123,14 +124,8 @@ void catalogue_reader::read_entry(const std::string& type, const nlohmann::json&
 }
 
 qv_psi_catalogue catalogue_reader::read_json(const std::string& text) {
-  nlohmann::json document;
-  try {
-    document = nlohmann::json::parse(text);
-  } catch (const nlohmann::json::parse_error& error) {
-    const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
-    const auto line = static_cast<std::size_t>(std::count(text.begin(), end, '\n')) + 1;
-    fail("is no JSON", "look for a missing comma, quote or bracket", line);
-  }
+  qv_expect_json(file_, text);
+  const auto document = nlohmann::json::parse(text);
   const auto values = document.find("psi_w_per_mk");
   if (!document.is_object() || values == document.end() || !values->is_object()) {
     fail("has no object \"psi_w_per_mk\"", "name a catalogue of ψ values");

@@ -11,6 +11,7 @@
 
 #include "app/readers/qv_file.h"
 #include "app/readers/qv_input_error.h"
+#include "app/readers/qv_json_text.h"
 #include "bim/materials/qvi_glazing_gaz.h"
 #include "bim/materials/qvi_glazing_glass.h"
 #include "bim/materials/qvi_glazing_interlayer.h"
@@ -48,7 +49,8 @@ class glazing_reader {
   explicit glazing_reader(const std::string& path) : path_(path) {}
 
   qv_owned_glazing read(const std::string& text) {
-    const json root = parse(text);
+    qv_expect_json(path_, text);
+    const json root = json::parse(text);
     if (!root.is_object()) fail("is no JSON object", "write {\"layers\": [...]}");
     expect_keys(root, {"name", "supplier", "model", "layers"});
     if (!root.contains("layers") || !root["layers"].is_array() || root["layers"].empty())
@@ -80,18 +82,6 @@ class glazing_reader {
         qv_input_error::kind::bad_input,
         {path_, 0, in_layer ? "layer" : "", in_layer ? std::to_string(number_) : ""}, problem,
         advice);
-  }
-
-  json parse(const std::string& text) const {
-    try {
-      return json::parse(text);
-    } catch (const json::parse_error& fault) {
-      const auto end =
-          text.begin() + static_cast<std::ptrdiff_t>(std::min(fault.byte, text.size()));
-      const auto line = static_cast<std::size_t>(std::count(text.begin(), end, '\n')) + 1;
-      throw qv_input_error(qv_input_error::kind::bad_input, {path_, line, "", ""}, "is not JSON",
-                           "mend its brackets, quotes and commas");
-    }
   }
 
   template <class Keys>

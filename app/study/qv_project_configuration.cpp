@@ -8,6 +8,7 @@
 #include <unordered_map>
 
 #include "app/readers/qv_input_error.h"
+#include "app/readers/qv_json_text.h"
 #include "app/report/qv_report_value.h"
 #include "bim/envelope/qvi_opening.h"
 #include "bim/envelope/qvi_opening_composition.h"
@@ -144,8 +145,8 @@ class configuration_reader {
   void read(const std::string& text);
 
  private:
-  [[noreturn]] void fail(const std::string& problem, std::size_t line = 0) const {
-    throw qv_input_error(qv_input_error::kind::bad_input, {file_, line, "", ""}, problem,
+  [[noreturn]] void fail(const std::string& problem) const {
+    throw qv_input_error(qv_input_error::kind::bad_input, {file_, 0, "", ""}, problem,
                          "write configurations with `qv configure save`");
   }
   void make_items(const json& items);
@@ -283,13 +284,8 @@ void configuration_reader::make_items(const json& records) {
 }
 
 void configuration_reader::read(const std::string& text) {
-  json document;
-  try {
-    document = json::parse(text);
-  } catch (const json::parse_error& error) {
-    const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
-    fail("is no JSON", static_cast<std::size_t>(std::count(text.begin(), end, '\n')) + 1);
-  }
+  qv_expect_json(file_, text);
+  const json document = json::parse(text);
   const auto format = document.is_object() ? document.find("format") : document.end();
   if (!document.is_object() || format == document.end() || *format != format_name) {
     fail("is no configuration");

@@ -53,6 +53,8 @@ TEST(qv_psi_catalogue, reads_a_table) {
 TEST(qv_psi_catalogue, says_what_is_wrong_and_where) {
   EXPECT_THAT(complaint_about("{\n\"psi_w_per_mk\": {\n"),
               HasSubstr("psi.txt, line 3: is no JSON"));
+  EXPECT_THAT(complaint_about("{\"psi_w_per_mk\": {\n\"roof_roof\": 0.1,\n\"roof_roof\": 0.2\n}}"),
+              HasSubstr("psi.txt, line 3: gives \"roof_roof\" twice; keep one of them"));
   EXPECT_THAT(complaint_about("{}"), HasSubstr("has no object \"psi_w_per_mk\""));
   EXPECT_THAT(complaint_about("[]"), HasSubstr("is no catalogue"));
   EXPECT_THAT(complaint_about(R"({"psi_w_per_mk": {"roof": 1}})"),

@@ -251,8 +251,9 @@ TEST(qv_glazing_json, says_what_is_wrong_where) {
     return "{\"layers\": [" + content + "]}";
   };
   const std::pair<std::string, const char*> mistakes[] = {
-      {"{\n\"layers\": [\n", "w.json, line 3: is not JSON"},
+      {"{\n\"layers\": [\n", "w.json, line 3: is no JSON"},
       {"[]", "w.json: is no JSON object"},
+      {"{\"layers\": [\"4\"],\n\"layers\": [\"6\"]}", "w.json, line 2: gives \"layers\" twice"},
       {"{}", "has no list of layers"},
       {"{\"layers\": []}", "has no list of layers"},
       {"{\"layers\": \"4\"}", "has no list of layers"},

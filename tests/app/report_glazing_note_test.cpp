@@ -246,8 +246,7 @@ TEST(qv_glazing_command, tells_what_is_wrong_in_one_line) {
   expect_told({"glazing", "4 / 16 helium / 4"}, 3, "the glazing, layer \"16 helium\"");
   expect_told({"glazing", (place.path() / "none.json").string()}, 4, "there is no such file");
   std::ofstream(place.path() / "bad.json") << "{]";
-  expect_told({"glazing", (place.path() / "bad.json").string()}, 3,
-              "bad.json, line 1: is not JSON");
+  expect_told({"glazing", (place.path() / "bad.json").string()}, 3, "bad.json, line 1: is no JSON");
 }
 
 // The example and the file of the guide are what they are said to be.

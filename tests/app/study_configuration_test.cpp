@@ -181,6 +181,9 @@ TEST(qv_project_configuration, lists_a_composition_of_the_same_name_with_other_l
 TEST(qv_project_configuration, says_what_is_wrong_with_a_file) {
   EXPECT_THAT(complaint_about("{\n"), HasSubstr("line 2: is no JSON"));
   EXPECT_THAT(complaint_about("[]"), HasSubstr("is no configuration"));
+  EXPECT_THAT(
+      complaint_about("{\"version\": 1,\n\"format\": \"qv-configuration\",\n\"version\": 2}"),
+      HasSubstr("line 3: gives \"version\" twice"));
   EXPECT_THAT(complaint_about(R"({"format": "qv-configuration", "version": 7})"),
               HasSubstr("another version"));
   EXPECT_THAT(complaint_about(with_table(R"("walls": [{"contact_type": "moat"}])")),
