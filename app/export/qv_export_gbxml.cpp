@@ -1,13 +1,13 @@
 #include "app/export/qv_export_gbxml.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
-#include <map>
 #include <unordered_map>
 #include <utility>
 
+#include "app/export/qv_export_constructions.h"
 #include "app/export/qv_export_glazing.h"
+#include "app/export/qv_export_usages.h"
 #include "app/export/qv_xml_writer.h"
 #include "app/readers/qv_gbxml_opening_type.h"
 #include "app/readers/qv_gbxml_surface_type.h"
@@ -21,10 +21,8 @@
 #include "bim/hierarchy/qvi_space.h"
 #include "bim/hierarchy/qvi_zone.h"
 #include "bim/imported/qvi_bim_object.h"
-#include "bim/materials/qvi_composition.h"
 #include "bim/materials/qvi_glazing.h"
 #include "bim/materials/qvi_limit_condition.h"
-#include "bim/materials/qvi_material.h"
 #include "bim/project/qvi_bim_root.h"
 #include "core/shapes/qvi_polygon.h"
 
@@ -160,7 +158,7 @@ qv_gbxml_opening_type choose_opening_type(const qvi_opening& opening, const qvi_
 class exporter {
  public:
   exporter(const qv_gbxml_model& model, const qv_study_results& study)
-      : model_(model), scene_(*model.scene) {
+      : model_(model), scene_(*model.scene), constructions_(scene_), usages_(model) {
     for (const qv_source_space& space : model.spaces) sources_[space.item] = &space;
     const qv_list<qv_item*>& openings = scene_.get_items("opening");
     for (int i = 0; i < openings.get_count(); ++i)
@@ -176,9 +174,9 @@ class exporter {
                          {"volumeUnit", "CubicMeters"},
                          {"useSIUnitsForResults", "true"}});
     write_campuses();
-    write_constructions();
-    write_materials();
+    constructions_.write(xml_);
     write_window_types();
+    usages_.write_schedules(xml_);
     write_zones();
     xml_.end();
     return xml_.text();
@@ -265,15 +263,21 @@ class exporter {
   void write_space(qvi_space& space) {
     const auto found = sources_.find(&space);
     const qv_source_space* const source = found == sources_.end() ? nullptr : found->second;
+    const qv_space_schedules schedules = usages_.get_schedules(space);
     xml_.begin("Space",
                {{"id", space.get_unique_id()},
                 {"zoneIdRef", space.get_zone() == nullptr ? "" : space.get_zone()->get_unique_id()},
+                {"lightScheduleIdRef", schedules.light},
+                {"equipmentScheduleIdRef", schedules.equipment},
+                {"peopleScheduleIdRef", schedules.people},
+                {"conditionType", source == nullptr ? "" : source->condition},
                 {"buildingStoreyIdRef", source == nullptr ? "" : source->storey_id}});
     xml_.leaf("Name", space.get_name());
     if (source != nullptr && source->stated_area)
       xml_.leaf("Area", qv_number_text(*source->stated_area));
     if (source != nullptr && source->stated_volume)
       xml_.leaf("Volume", qv_number_text(*source->stated_volume));
+    usages_.write(space, source, xml_);
     xml_.end();
   }
 
@@ -284,7 +288,7 @@ class exporter {
     const char* const type = qv_get_surface_type_name(choose_surface_type(wall, *face));
     int count = 0;
     for (const contour& points : list_contours(*face)) {
-      begin_surface(wall, ++count, type, construction_of(wall));
+      begin_surface(wall, ++count, type, constructions_.get_id(wall));
       for (const qvi_space* space : {wall.get_space_0(), wall.get_space_1()}) {
         if (space == nullptr) continue;
         xml_.begin("AdjacentSpaceId", {{"spaceIdRef", space->get_unique_id()}});
@@ -309,7 +313,7 @@ class exporter {
       for (const contour& points : mesh->has_type("polygon")
                                        ? list_contours(static_cast<qvi_polygon&>(*mesh))
                                        : list_triangles(*mesh)) {
-        begin_surface(object, ++count, type, wall == nullptr ? "" : construction_of(*wall));
+        begin_surface(object, ++count, type, wall == nullptr ? "" : constructions_.get_id(*wall));
         write_geometry(points, area_vector(points));
         if (first && wall != nullptr)
           for (qvi_opening* opening : wall->get_openings()) write_opening(*opening);
@@ -433,95 +437,13 @@ class exporter {
     xml_.end();
   }
 
-  // The reader turns the layers of a floor between two spaces over when its normal points up.
-  static bool is_reversed(const qvi_wall& wall) {
-    return wall.get_space_1() != nullptr && wall.get_wall_type() == qvi_wall::wall_type::floor &&
-           wall.get_normal().z > 0;
-  }
-
-  std::string construction_of(const qvi_wall& wall) {
-    if (wall.get_composition() == nullptr) return {};
-    return construction_of(wall.get_composition(), is_reversed(wall));
-  }
-
-  std::string construction_of(qvi_composition* composition, bool reversed) {
-    const auto next = "construction-" + std::to_string(constructions_.size() + 1);
-    return constructions_.try_emplace({composition, reversed}, next).first->second;
-  }
-
-  void write_constructions() {
-    // Those that no wall uses stay in the model.
-    for (qv_item* item : scene_.get_items("composition")) {
-      auto* const composition = static_cast<qvi_composition*>(item);
-      if (!constructions_.contains({composition, false}) &&
-          !constructions_.contains({composition, true}))
-        construction_of(composition, false);
-    }
-    std::vector<std::pair<qvi_composition*, bool>> in_order;
-    for (qv_item* item : scene_.get_items("composition"))
-      for (const bool reversed : {false, true})
-        if (constructions_.contains({static_cast<qvi_composition*>(item), reversed}))
-          in_order.emplace_back(static_cast<qvi_composition*>(item), reversed);
-    for (const auto& key : in_order) {
-      const std::string& id = constructions_.at(key);
-      const std::string layers = "layers-of-" + id;
-      const bool has_layers = !key.first->get_layers().is_empty();
-      xml_.begin("Construction", {{"id", id}});
-      xml_.leaf("Name", key.first->get_name());
-      if (has_layers) {
-        xml_.begin("LayerId", {{"layerIdRef", layers}});
-        xml_.end();
-      }
-      xml_.end();
-      if (has_layers) write_layers(*key.first, key.second, layers);
-    }
-  }
-
-  void write_layers(qvi_composition& composition, bool reversed, const std::string& id) {
-    xml_.begin("Layer", {{"id", id}});
-    const int count = composition.get_layers().get_count();
-    for (int i = 0; i < count; ++i) {
-      const std::string material = material_of(composition, reversed ? count - 1 - i : i);
-      if (material.empty()) continue;
-      xml_.begin("MaterialId", {{"materialIdRef", material}});
-      xml_.end();
-    }
-    xml_.end();
-  }
-
-  // A matter becomes a material of each thickness that it has in a composition.
-  std::string material_of(qvi_composition& composition, int index) {
-    qvi_matter* const matter = composition.get_layers()[index];
-    if (matter == nullptr) return {};
-    const float thickness = composition.get_layer_thickness(index);
-    const auto next = "material-" + std::to_string(materials_.size() + 1);
-    const auto [slot, fresh] = material_ids_.try_emplace({matter, thickness}, next);
-    if (fresh) materials_.emplace_back(matter, thickness);
-    return slot->second;
-  }
-
-  void write_materials() {
-    for (std::size_t i = 0; i < materials_.size(); ++i) {
-      const auto& [matter, thickness] = materials_[i];
-      xml_.begin("Material", {{"id", "material-" + std::to_string(i + 1)}});
-      xml_.leaf("Name", matter->get_name());
-      const auto number = [this](const char* name, float value, const char* unit) {
-        if (std::isfinite(value) && value > 0)
-          xml_.leaf(name, qv_number_text(value), {{"unit", unit}});
-      };
-      if (matter->has_type("material"))
-        number("R-value", static_cast<qvi_material*>(matter)->get_resistance(), "SquareMeterKPerW");
-      number("Thickness", thickness, "Meters");
-      number("Conductivity", matter->get_conductivity(), "WPerMeterK");
-      number("Density", matter->get_density(), "KgPerCubicM");
-      number("SpecificHeat", matter->get_specific_heat(), "JPerKgK");
-      xml_.end();
-    }
-  }
-
   void write_zones() {
-    for (qv_item* zone : scene_.get_items("zone")) {
-      xml_.begin("Zone", {{"id", zone->get_unique_id()}});
+    for (qv_item* item : scene_.get_items("zone")) {
+      const auto* const zone = static_cast<const qvi_zone*>(item);
+      xml_.begin("Zone", {{"id", zone->get_unique_id()},
+                          {"heatSchedIdRef", usages_.get_heating_schedule(*zone)},
+                          {"coolSchedIdRef", usages_.get_cooling_schedule(*zone)},
+                          {"outsideAirSchedIdRef", usages_.get_air_schedule(*zone)}});
       xml_.leaf("Name", zone->get_name());
       const auto source =
           std::find_if(model_.zones.begin(), model_.zones.end(),
@@ -532,6 +454,7 @@ class exporter {
         if (source->cooling_temperature)
           xml_.leaf("DesignCoolT", qv_number_text(*source->cooling_temperature), {{"unit", "C"}});
       }
+      usages_.write(*zone, xml_);
       xml_.end();
     }
   }
@@ -544,15 +467,14 @@ class exporter {
 
   const qv_gbxml_model& model_;
   qv_scene& scene_;
+  qv_construction_export constructions_;
+  qv_usage_export usages_;
   qv_xml_writer xml_;
   std::unordered_map<const qv_item*, const qv_source_space*> sources_;
   std::unordered_map<const qv_item*, const qv_study_opening*> openings_;
   std::unordered_map<std::string, std::string> window_type_ids_;
   std::vector<window_type> window_types_;
   bool storeys_left_ = true;
-  std::map<std::pair<qvi_composition*, bool>, std::string> constructions_;
-  std::map<std::pair<qvi_matter*, float>, std::string> material_ids_;
-  std::vector<std::pair<qvi_matter*, float>> materials_;
 };
 
 }  // namespace

@@ -8,7 +8,8 @@ namespace qv {
 
 /// The model as gbXML (version 6.01, SI units), which reads back to the same study: the same
 /// spaces with their areas and volumes, walls with their areas, contact types and compositions,
-/// openings with their areas, U values, solar factors and light transmittances.
+/// openings with their areas, U values, solar factors and light transmittances, zones and spaces
+/// with their usages and schedules.
 ///
 /// What the model's own file says besides is kept: location, storeys, design temperatures, stated
 /// areas and volumes. A wall becomes a Surface with its unpierced face; a face of several parts

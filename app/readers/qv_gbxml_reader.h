@@ -12,6 +12,7 @@
 namespace qv {
 
 class qvi_bim_root;
+class qvi_schedule;
 class qvi_space;
 class qvi_wall;
 
@@ -55,6 +56,8 @@ struct qv_source_space {
   std::string id;
   qvi_space* item = nullptr;
   std::string storey_id;
+  /// Its conditionType, "HeatedAndCooled" or another; empty when the file does not say.
+  std::string condition;
   std::optional<double> stated_area;    // m²
   std::optional<double> stated_volume;  // m³
   /// Volume of the ShellGeometry (divergence theorem), m³: negative when the shell is inside out.
@@ -71,6 +74,15 @@ struct qv_source_space {
   double enclosed_volume = 0;
   /// Area of those walls that are floors of this space (including floor under low ceilings), m².
   double floor_area = 0;
+};
+
+/// What the file says of a schedule, beside the item made from it.
+struct qv_source_schedule {
+  qvi_schedule* item = nullptr;
+  /// Of what its values are: "Fraction", "Temp" or another word of gbXML.
+  std::string type;
+  /// The first date that it speaks of, "2015-01-01", in whose year its weeks lie.
+  std::string begin_date;
 };
 
 /// Something wrong in the file that the reader mended or put up with.
@@ -118,6 +130,7 @@ struct qv_gbxml_model {
   std::vector<qv_site_location> locations;
   std::vector<qv_source_space> spaces;
   std::vector<qv_source_zone> zones;
+  std::vector<qv_source_schedule> schedules;
   std::vector<qv_storey_level> storeys;
   /// Those made from surfaces that the file says to stand in the ground.
   std::vector<qvi_wall*> underground_walls;

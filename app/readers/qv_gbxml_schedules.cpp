@@ -13,8 +13,8 @@ namespace qv {
 
 namespace {
 
-bool means_temperature(qv_xml_element element) {
-  return element.get_attribute("type").starts_with("Temp");
+bool means_temperature(std::string_view type) {
+  return type.starts_with("Temp");
 }
 
 qv_list<float> make_year(float value) {
@@ -48,7 +48,7 @@ void qv_gbxml_schedules::read_schedule(qv_xml_element element) {
   }
   const std::string_view name = element.get_child_text("Name");
   s.name = name.empty() ? s.id : std::string(name);
-  s.temperature = means_temperature(element);
+  s.type = std::string(element.get_attribute("type"));
   for (const qv_xml_element child : element) {
     if (!child.is("YearSchedule")) continue;
     const std::string_view begin = child.get_child_text("BeginDate");
@@ -79,12 +79,12 @@ void qv_gbxml_schedules::read_week(qv_xml_element element) {
 
 void qv_gbxml_schedules::read_day(qv_xml_element element) {
   day_by_id_.try_emplace(std::string(element.get_attribute("id")), static_cast<int>(days_.size()));
+  const bool temperature = means_temperature(element.get_attribute("type"));
   std::vector<double> steps;
   for (const qv_xml_element child : element) {
     if (!child.is("ScheduleValue")) continue;
-    const auto value = means_temperature(element)
-                           ? context_.read_measure(child, qv_quantity::temperature)
-                           : qv_gbxml_context::parse_number(child.get_text());
+    const auto value = temperature ? context_.read_measure(child, qv_quantity::temperature)
+                                   : qv_gbxml_context::parse_number(child.get_text());
     steps.push_back(value.value_or(0.0));
   }
   days_.push_back(qv_hours_of_day(steps));
@@ -148,6 +148,7 @@ void qv_gbxml_schedules::make_items(qv_item* parent, qv_unique_ids& ids) {
     ids.give(s.item, s.id);
     s.item->set_values(year);
     parent->add_child(s.item, -1);
+    context_.get_model().schedules.push_back({s.item, s.type, s.begin_date});
   }
 }
 
@@ -161,7 +162,7 @@ qvi_schedule* qv_gbxml_schedules::find(std::string_view id) const {
 bool qv_gbxml_schedules::is_temperature(std::string_view id) const {
   const auto found = schedule_by_id_.find(id);
   return found != schedule_by_id_.end() &&
-         schedules_[static_cast<std::size_t>(found->second)].temperature;
+         means_temperature(schedules_[static_cast<std::size_t>(found->second)].type);
 }
 
 qvi_schedule* qv_gbxml_schedules::make_constant(double temperature) {

@@ -45,8 +45,8 @@ class qv_gbxml_schedules {
   struct schedule {
     std::string id;
     std::string name;
+    std::string type;
     std::string begin_date;
-    bool temperature = false;
     std::vector<year_part> parts;
     qv_xml_element element;
     qvi_schedule* item = nullptr;

@@ -125,6 +125,7 @@ void qv_gbxml_site::read_space(qv_xml_element element, int campus, int building)
   if (!source.id.empty() && !space_by_id_.try_emplace(source.id, number).second)
     context_.fail(element, "a second Space bears this id", "give each Space an id of its own");
   source.storey_id = std::string(element.get_attribute("buildingStoreyIdRef"));
+  source.condition = std::string(element.get_attribute("conditionType"));
   space_record s;
   s.element = element;
   s.name = source.id;

@@ -1,5 +1,7 @@
 #include "app/readers/qv_year_schedule.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -14,6 +16,7 @@ namespace {
 constexpr int hours_of_day = 24;
 constexpr std::array<int, 12> month_lengths = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 constexpr int usual_first_weekday = 1;  // Monday
+constexpr int usual_year = 2018;        // begins on a Monday
 
 struct date_parts {
   int year = 0;
@@ -53,6 +56,17 @@ std::optional<int> qv_day_of_year(std::string_view date) {
     day += month_lengths[static_cast<std::size_t>(month - 1)];
   const int length = month_lengths[static_cast<std::size_t>(parts->month - 1)];
   return day + std::min(parts->day, length) - 1;
+}
+
+std::string qv_date_text(int day, std::string_view date) {
+  const auto parts = parse_date(date);
+  int month = 1;
+  for (const int length : month_lengths) {
+    if (day < length) break;
+    day -= length;
+    ++month;
+  }
+  return fmt::format("{:04}-{:02}-{:02}", parts ? parts->year : usual_year, month, day + 1);
 }
 
 std::vector<int> qv_weekdays_of_year(std::string_view date) {

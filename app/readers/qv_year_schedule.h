@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -14,6 +15,10 @@ inline constexpr int qv_hours_of_year = 24 * qv_days_of_year;
 /// The day of the year, 0 to 364, of a date "2015-03-01"; 29 February counts as the 28th. Nothing
 /// for what is no date.
 std::optional<int> qv_day_of_year(std::string_view date);
+
+/// The day of the year, 0 to 364, as a date in the year of `date`: "2015-03-01". In a year that is
+/// not known it is one of 2018, which begins on a Monday.
+std::string qv_date_text(int day, std::string_view date);
 
 /// Day of the week, 0 Sunday to 6 Saturday, of each day of the year of `date`; a year that is not
 /// known begins on a Monday. In a leap year 29 February is passed over, so that dates keep their

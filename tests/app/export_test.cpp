@@ -21,6 +21,7 @@
 #include "app/study/qv_study_gather.h"
 #include "bim/hierarchy/qvi_space.h"
 #include "bim/qv_load_bim_items.h"
+#include "core/light/qvi_schedule.h"
 #include "tests/app/qv_gbxml_text.h"
 #include "tests/app/qv_program.h"
 #include "tests/app/qv_temporary_folder.h"
@@ -49,6 +50,43 @@ void expect_near(const std::optional<float>& a, const std::optional<float>& b,
                  const std::string& what) {
   ASSERT_EQ(a.has_value(), b.has_value()) << what;
   if (a) expect_near(*a, *b, what);
+}
+
+// What a usage is, where it is used, and when.
+std::vector<std::string> describe(const std::vector<qv::qv_study_usage>& usages) {
+  std::vector<std::string> all;
+  for (const qv::qv_study_usage& usage : usages) {
+    std::ostringstream text;
+    text << usage.zone << '|' << usage.kind << '|' << usage.name << '|';
+    for (const std::string& space : usage.spaces) text << space << ' ';
+    for (const auto& word :
+         {usage.unit_type, usage.schedule, usage.occupation_schedule, usage.heating_period,
+          usage.heating_schedule, usage.cooling_period, usage.cooling_schedule})
+      text << '|' << word.value_or("none");
+    for (const auto& number : {usage.persons, usage.person_heat_gain, usage.power, usage.flow})
+      text << '|' << number.value_or(-1);
+    for (const auto& range : {usage.heating_range, usage.cooling_range})
+      for (const float value : range) text << '|' << value;
+    all.push_back(text.str());
+  }
+  std::sort(all.begin(), all.end());
+  return all;
+}
+
+// Every schedule of the file has the same hours again.
+void expect_same_schedules(const qv::qv_gbxml_model& model, const qv::qv_gbxml_model& again) {
+  std::map<std::string, const qv::qvi_schedule*> schedules;
+  for (const qv::qv_source_schedule& schedule : again.schedules)
+    schedules[schedule.item->get_unique_id()] = schedule.item;
+  ASSERT_EQ(again.schedules.size(), model.schedules.size());
+  for (const qv::qv_source_schedule& schedule : model.schedules) {
+    const std::string id = schedule.item->get_unique_id();
+    ASSERT_TRUE(schedules.contains(id)) << id;
+    EXPECT_EQ(schedules[id]->get_name(), schedule.item->get_name());
+    EXPECT_TRUE(std::equal(schedule.item->get_values().begin(), schedule.item->get_values().end(),
+                           schedules[id]->get_values().begin(), schedules[id]->get_values().end()))
+        << id;
+  }
 }
 
 // The study of the model beside that of what was written of it.
@@ -117,6 +155,8 @@ void expect_same_study(const std::string& path) {
     EXPECT_EQ(b.objects[i].kind, a.objects[i].kind);
     EXPECT_NEAR(b.objects[i].area, a.objects[i].area, 1e-5 * std::max(1.0, a.objects[i].area));
   }
+  EXPECT_EQ(describe(b.usages), describe(a.usages));
+  expect_same_schedules(model, again);
   ASSERT_EQ(a.thermal_bridges.size(), b.thermal_bridges.size());
   EXPECT_EQ(a.location.latitude, b.location.latitude);
   EXPECT_EQ(a.location.azimuth, b.location.azimuth);
