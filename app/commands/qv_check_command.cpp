@@ -8,6 +8,7 @@
 #include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
 #include "app/commands/qv_context_option.h"
+#include "app/commands/qv_interrupt.h"
 #include "app/commands/qv_progress.h"
 #include "app/readers/qv_file.h"
 #include "app/readers/qv_gbxml_turn.h"
@@ -50,6 +51,7 @@ qv_turned_gbxml repair(const std::string& name, const std::string& bytes,
 }
 
 qv_findings_report check(const check_arguments& arguments, std::vector<std::string>& notes) {
+  const qv_interrupt interrupt;
   // Before the work, so that a wrong place is told at once.
   std::optional<qv_output_file> file;
   if (arguments.fix)

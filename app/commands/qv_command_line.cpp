@@ -148,9 +148,9 @@ void qv_command::add_argument(const std::string& name, const std::string& meanin
   describe_value({name, " ", meaning}, store_in(word), true);
 }
 
-void qv_command::add_further_argument(const std::string& name, const std::string& meaning,
-                                      std::string& word) {
-  describe_value({name, " ", meaning}, store_in(word), false);
+void qv_command::add_further_arguments(const std::string& name, const std::string& meaning,
+                                       std::vector<std::string>& words) {
+  add_list_option({name, " ", meaning}, words);
 }
 
 void qv_command::add_out_file(const std::string& meaning, std::string& file) {

@@ -52,8 +52,9 @@ class qv_command {
   /// A word that must be given, is not empty, and is known by its place. Its value's name is its
   /// own.
   void add_argument(const std::string& name, const std::string& meaning, std::string& word);
-  /// The same, but it may be left out.
-  void add_further_argument(const std::string& name, const std::string& meaning, std::string& word);
+  /// Any number of words known by their place, none of them empty.
+  void add_further_arguments(const std::string& name, const std::string& meaning,
+                             std::vector<std::string>& words);
   /// A file that the command writes: `--out FILE`, or an argument. It must be given and name a file
   /// ("results/" does not).
   void add_out_file(const std::string& meaning, std::string& file);

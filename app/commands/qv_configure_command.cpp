@@ -4,6 +4,7 @@
 
 #include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
+#include "app/commands/qv_interrupt.h"
 #include "app/commands/qv_progress.h"
 #include "app/readers/qv_gbxml_reader.h"
 #include "app/report/qv_output_folder.h"
@@ -20,6 +21,7 @@ struct save_arguments {
 };
 
 int run_save(const save_arguments& arguments) {
+  const qv_interrupt interrupt;
   qv_study_options options;
   if (!arguments.psi.empty()) options.psi = qv_read_psi_catalogue(arguments.psi);
   qv_output_file file(arguments.file, {arguments.model, arguments.psi});

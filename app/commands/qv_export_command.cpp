@@ -4,6 +4,7 @@
 #include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
 #include "app/commands/qv_context_option.h"
+#include "app/commands/qv_interrupt.h"
 #include "app/commands/qv_progress.h"
 #include "app/export/qv_export_gbxml.h"
 #include "app/export/qv_export_gltf.h"
@@ -39,6 +40,7 @@ std::string export_text(export_format format, const qv_gbxml_model& model) {
 }
 
 int run_export(const export_arguments& arguments) {
+  const qv_interrupt interrupt;
   // Before the work, so that a wrong place is told at once.
   qv_output_file file(arguments.file, qv_read_files(arguments.model, arguments.context));
   std::vector<std::string> notes;
@@ -55,10 +57,6 @@ int run_export(const export_arguments& arguments) {
     qv_compute_model(model, options, announce);
     announce(5, 5, "writing the model");
     file.stage(export_text(arguments.format, model));
-    if (arguments.format == export_format::gbxml && !model.scene->get_items("usage").is_empty())
-      notes.emplace_back(
-          "people, light, equipment and schedules are not written: gbXML gets the design "
-          "temperatures of zones alone");
   }
   file.commit();
   qv_print_notes(notes);

@@ -1,11 +1,14 @@
 #include <array>
+#include <cctype>
 #include <charconv>
+#include <filesystem>
 #include <limits>
 #include <memory>
 
 #include "app/commands/qv_command_line.h"
 #include "app/commands/qv_commands.h"
 #include "app/commands/qv_context_option.h"
+#include "app/commands/qv_interrupt.h"
 #include "app/commands/qv_progress.h"
 #include "app/pictures/qv_canvas.h"
 #include "app/pictures/qv_picture.h"
@@ -78,6 +81,15 @@ std::string take_size(const std::string& text, qv_picture_options& options) {
   return {};
 }
 
+// What is wrong with the name of a file that is to hold a PNG picture.
+std::string complain_of_format(const std::string& file) {
+  std::string extension = std::filesystem::path(file).extension().string();
+  for (char& letter : extension)
+    letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+  if (extension.empty() || extension == ".png") return {};
+  return "--out: \"" + file + "\" names no PNG file, which is what pictures are";
+}
+
 qv_item& find_item(const qv_picture_subject& subject, const std::string& id,
                    const std::string& model) {
   const auto found = subject.items_by_id.find(id);
@@ -97,6 +109,7 @@ void hover(qv_item& item) {
 }
 
 int run_picture(const picture_arguments& arguments) {
+  const qv_interrupt interrupt;
   // Before the work, so that a wrong place, or a machine that cannot draw, is told at once.
   qv_output_file file(arguments.file, qv_read_files(arguments.model, arguments.context));
   qv_picture_maker maker;
@@ -167,6 +180,7 @@ void qv_add_picture_command(qv_command& program) {
       "  qv picture house.xml --out south.png --view south --color u\n"
       "  qv picture house.xml --out plan.png --view plan --storey 0 --color zone\n"
       "  qv picture house.xml --out wall.png --select su-12 --hover op-3");
+  command.set_check([arguments] { return complain_of_format(arguments->file); });
   command.set_action([arguments] {
     arguments->picture.with_key = !arguments->no_legend;
     return run_picture(*arguments);

@@ -7,6 +7,9 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "app/commands/qv_interrupt.h"
+#include "app/study/qv_study_sun.h"
+
 namespace qv {
 namespace {
 
@@ -31,6 +34,7 @@ qv_progress::~qv_progress() {
 }
 
 void qv_progress::begin_step(int step, int count, const std::string& what) {
+  if (qv_interrupt::is_requested()) throw qv_interrupted();
   step_start_ = last_shown_ = std::chrono::steady_clock::now();
   bar_ = bar_text(step, count, what);
   what_ = what;

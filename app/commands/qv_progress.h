@@ -17,7 +17,8 @@ class qv_progress {
   qv_progress& operator=(const qv_progress&) = delete;
   ~qv_progress();
 
-  /// Step `step` of `count` (from 1) begins.
+  /// Step `step` of `count` (from 1) begins; throws `qv_interrupted` instead when the user has
+  /// asked to stop (while a `qv_interrupt` lives).
   void begin_step(int step, int count, const std::string& what);
 
   /// A function that begins a step, for work that tells its steps.

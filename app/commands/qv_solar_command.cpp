@@ -44,7 +44,7 @@ int run_solar(const solar_arguments& arguments) {
     qv_progress progress;
     qv_study_options options = arguments.study;
     options.solar_progress = qv_show_solar_progress(progress);
-    study = qv_run_study(options, qv_show_study_progress(progress));
+    study = qv_run_study(options, progress.get_announcer());
   }
   const qv_surface_sun* sun = find_sun(study, id);
   if (sun == nullptr) {

@@ -24,13 +24,6 @@ void qv_add_solar_options(qv_command& command, qv_solar_options& options) {
                             0, 100, "whole number from 0 to 100", options.reflexions);
 }
 
-qv_study_progress qv_show_study_progress(qv_progress& progress) {
-  return [&progress](int step, int count, const char* what) {
-    if (qv_interrupt::is_requested()) throw qv_interrupted();
-    progress.begin_step(step, count, what);
-  };
-}
-
 qv_solar_progress qv_show_solar_progress(qv_progress& progress) {
   return [&progress](std::size_t done, std::size_t count) {
     progress.advance(done, count);

@@ -16,10 +16,6 @@ void qv_add_solar_command(qv_command& program);
 /// `--weather FILE`, `--quality draft|normal|fine`, `--reflexions N`.
 void qv_add_solar_options(qv_command& command, qv_solar_options& options);
 
-/// Shows which step of a study begins, and throws `qv_interrupted` when the user asks to stop
-/// (while a `qv_interrupt` lives).
-qv_study_progress qv_show_study_progress(qv_progress& progress);
-
 /// Shows how far the sun is, and stops it when the user asks to (while a `qv_interrupt` lives).
 qv_solar_progress qv_show_solar_progress(qv_progress& progress);
 

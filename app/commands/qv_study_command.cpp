@@ -41,7 +41,7 @@ struct study_arguments {
 qv_study_results study_with_progress(qv_study_options options) {
   qv_progress progress;
   options.solar_progress = qv_show_solar_progress(progress);
-  return qv_run_study(options, qv_show_study_progress(progress));
+  return qv_run_study(options, progress.get_announcer());
 }
 
 // The end of the line that lists what was written, and the notes.

@@ -21,8 +21,7 @@
 namespace qv {
 namespace {
 
-constexpr int step_count = 5;
-constexpr int solar_step_count = 6;
+constexpr int usual_step_count = 5;
 
 bool is_grouped(const qv_gbxml_model& model, const qv_study_options& options) {
   return model.building_count == 0 || options.regroup;
@@ -70,8 +69,14 @@ void add_findings(qv_study_results& study, const qv_gbxml_model& model) {
   }
 }
 
-void announce(const qv_study_progress& progress, int step, const char* what) {
-  if (progress) progress(step, step_count, what);
+int count_steps(const qv_study_options& options) {
+  return usual_step_count + (options.solar.wanted ? 1 : 0);
+}
+
+auto make_announcer(const qv_study_options& options, const qv_study_progress& progress) {
+  return [&progress, count = count_steps(options)](int step, const char* what) {
+    if (progress) progress(step, count, what);
+  };
 }
 
 }  // namespace
@@ -79,14 +84,15 @@ void announce(const qv_study_progress& progress, int step, const char* what) {
 qv_model_findings qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
                                    const qv_study_progress& progress) {
   qv_scene& scene = *model.scene;
-  announce(progress, 2, "measuring the spaces");
+  const auto announce = make_announcer(options, progress);
+  announce(2, "measuring the spaces");
   stand_on_site(model, options);
   if (is_grouped(model, options)) {
     qvi_building::build_buildings(&scene, options.rename_spaces);
   } else {
     scene.precompute();
   }
-  announce(progress, 3, "computing the walls");
+  announce(3, "computing the walls");
   qvi_limit_condition::default_limit_conditions(&scene);
   scene.precompute();
   qv_model_findings findings;
@@ -102,7 +108,7 @@ qv_model_findings qv_compute_model(const qv_gbxml_model& model, const qv_study_o
     findings.changes = configuration->apply_constructions(scene);
     qv_place_insulation(scene);
   }
-  announce(progress, 4, "finding the thermal bridges");
+  announce(4, "finding the thermal bridges");
   qv_add_connexions(scene);
   scene.precompute();
   findings.bridges_without_psi = qv_assign_psi(scene, psi_of(options));
@@ -122,11 +128,12 @@ std::string qv_model_text(const qv_gbxml_model& model) {
 }
 
 qv_study_results qv_run_study(const qv_study_options& options, const qv_study_progress& progress) {
-  announce(progress, 1, "reading the model");
+  const auto announce = make_announcer(options, progress);
+  announce(1, "reading the model");
   qv_gbxml_model model = qv_read_gbxml(options.model);
   const std::vector<std::string> context_notes = qv_add_context(model, options.context);
   const qv_model_findings findings = qv_compute_model(model, options, progress);
-  announce(progress, 5, "gathering the results");
+  announce(5, "gathering the results");
   qv_study_results study = qv_gather_study(model, findings);
   study.psi_catalogue = psi_of(options).name;
   if (options.north.has_value()) study.location.azimuth = options.north;
@@ -136,7 +143,7 @@ qv_study_results qv_run_study(const qv_study_options& options, const qv_study_pr
   study.notes = notes_on(model, options);
   study.model_json = qv_model_text(model);
   if (options.solar.wanted) {
-    if (progress) progress(solar_step_count, solar_step_count, "tracing the sun");
+    announce(count_steps(options), "tracing the sun");
     qv_compute_sun(model, options.solar, options.solar_progress, study);
   }
   if (options.visit) options.visit(model, study);

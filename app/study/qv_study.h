@@ -52,7 +52,8 @@ qv_study_results qv_run_study(const qv_study_options& options,
 /// The steps between reading and gathering: turns the model to true north, groups the spaces into
 /// buildings where the file has none or where that is asked for, measures everything, lays the
 /// lowest floors on the ground, generates the openings asked for, finds the thermal bridges and
-/// gives them their ψ. `progress` hears of these steps as of 2 to 4 of 5.
+/// gives them their ψ. `progress` hears of these steps as of 2 to 4 of 5, of 6 where the sun is
+/// wanted.
 qv_model_findings qv_compute_model(const qv_gbxml_model& model, const qv_study_options& options,
                                    const qv_study_progress& progress = {});
 

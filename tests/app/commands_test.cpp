@@ -58,6 +58,8 @@ TEST(qv_program, explains_each_command_with_examples) {
   EXPECT_THAT(qv_run({"help", "help"}).output, HasSubstr("COMMAND"));
   EXPECT_THAT(qv_run({"configure", "save", "--help"}).output,
               HasSubstr("Usage: qv configure save "));
+  EXPECT_EQ(qv_run({"help", "configure", "save"}).output,
+            qv_run({"configure", "save", "--help"}).output);
 }
 
 TEST(qv_program, says_its_version) {
@@ -96,7 +98,10 @@ TEST(qv_program, names_each_mistake_in_the_command_line) {
       {{"configure", "save"}, "MODEL is required; `qv help configure` explains"},
       {{"study", sample, "--out", "x", "--reflexions", "1.5"}, "\"1.5\" is no whole number"},
       {{"help", "stduy"}, "there is no command \"stduy\""},
-      {{"help", "study", "info"}, "unexpected argument \"info\""},
+      {{"help", "study", "info"}, "there is no command \"study info\""},
+      {{"help", "configure", "sav"}, "there is no command \"configure sav\""},
+      {{"help", ""}, "COMMAND is an empty name"},
+      {{"picture", sample, "--out", "x.jpg"}, "\"x.jpg\" names no PNG file"},
   };
   for (const mistake& made : mistakes) {
     SCOPED_TRACE(testing::PrintToString(made.words));
@@ -437,6 +442,18 @@ TEST(qv_progress, of_a_command_that_writes_a_file_counts_to_its_last_step) {
     // Nothing of the bar stays.
     EXPECT_THAT(run.errors, testing::EndsWith("\r\x1b[K"));
   }
+}
+
+TEST(qv_progress, of_a_study_counts_the_sun_from_the_first_step_on) {
+  const qv_temporary_folder place;
+  const std::vector<std::string> words = {"study",     sample,  "--no-pictures",
+                                          "--quality", "draft", "--reflexions",
+                                          "0",         "--out", place.path() / "out"};
+  const auto run = qv_run_on_terminal(words);
+  ASSERT_EQ(run.exit_code, 0) << run.errors;
+  for (const char* step : {"] 1/6", "] 2/6", "] 3/6", "] 4/6", "] 5/6", "] 6/6"})
+    EXPECT_THAT(run.errors, HasSubstr(step));
+  EXPECT_THAT(run.errors, testing::Not(HasSubstr("/5 ")));
 }
 
 TEST(qv_progress, fills_its_bar_step_by_step) {

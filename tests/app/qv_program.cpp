@@ -93,7 +93,7 @@ qv_program_run qv_run_on_terminal(const std::vector<std::string>& arguments) {
   const int open_slave = ::open(slave.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
   std::vector<std::string> words = {"/usr/bin/env", "TERM=xterm", QV_PROGRAM};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  const qv_program_run result = run(words, slave, [&](pid_t) {
+  qv_program_run result = run(words, slave, [&](pid_t) {
     ::close(open_slave);
     return read_terminal(master);
   });
