@@ -103,6 +103,28 @@ TEST_F(qvi_building_test, deliberately_has_one_level_without_spaces) {
   EXPECT_EQ(building_->get_floors(), qv_list<float>{100000000.0f});
 }
 
+// A space keeps its bounds until it changes itself. Its building looks at them anew.
+TEST_F(qvi_building_test, sees_a_cellar_that_is_dug_below_a_space) {
+  qvi_space* low = add_space_at(0);
+  qvi_space* high = add_space_at(1.4f);
+  scene_.precompute();
+  ASSERT_EQ(high->get_floor(), 0);
+  qvi_wall* wall = qv_test::add_wall(scene_, qvi_wall::wall_type::wall, low, nullptr,
+                                     qv_test::rectangle({0, 0, -2}, {1, 0, -2}, {0, 0, 0}), 0);
+  scene_.precompute();
+  EXPECT_EQ(low->get_bounding_box().get_min().z, -2.0f);
+  EXPECT_EQ(building_->get_local_bounding_box().get_min().z, -2.0f);
+  EXPECT_EQ(building_->get_floors(), (qv_list<float>{-0.5f, 1.4f + 1.5f}));
+  EXPECT_EQ(low->get_floor(), 0);
+  EXPECT_EQ(high->get_floor(), 1);
+
+  wall->set_space_0(nullptr);
+  scene_.precompute();
+  EXPECT_EQ(building_->get_local_bounding_box().get_min().z, 0.0f);
+  EXPECT_EQ(building_->get_floors(), qv_list<float>{1.5f});
+  EXPECT_EQ(high->get_floor(), 0);
+}
+
 TEST_F(qvi_building_test, leaves_the_storeys_of_other_buildings_alone) {
   auto* other = new qvi_building;
   scene_.add_child(other, -1);
@@ -147,6 +169,23 @@ TEST_F(qvi_building_test, bounds_what_its_spaces_bound) {
   add_space_at(5);
   building_->precompute();
   EXPECT_EQ(building_->get_local_bounding_box(), qv_box({0, 0, 0}, {1, 0, 7}));
+}
+
+TEST_F(qvi_building_test, lets_go_of_spaces_and_zones_that_leave_it) {
+  qvi_space* low = add_space_at(0);
+  qvi_space* high = add_space_at(5);
+  auto* zone = new qvi_zone;
+  zone->set_building(building_);
+  scene_.add_child(zone, -1);
+  building_->precompute();
+  high->set_building(nullptr);
+  building_->precompute();
+  EXPECT_EQ(to_vector(building_->get_spaces()), std::vector<qvi_space*>{low});
+  EXPECT_EQ(to_vector(building_->get_zones()), std::vector<qvi_zone*>{zone});
+  EXPECT_EQ(building_->get_local_bounding_box(), qv_box({0, 0, 0}, {1, 0, 2}));
+  zone->set_building(nullptr);
+  building_->precompute();
+  EXPECT_TRUE(building_->get_zones().is_empty());
 }
 
 TEST_F(qvi_building_test, finds_the_campus_above_it) {
