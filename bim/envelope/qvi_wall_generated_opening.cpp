@@ -86,14 +86,31 @@ qvi_polygon* make_pierced_face(qvi_polygon* face, const qv_polygon& hole) {
   return pierced;
 }
 
-/// Frees the pierced faces that are no plain faces, each once.
-void destroy_pierced_faces(qvi_polygon* const (&faces)[2], qvi_polygon* const (&pierced)[2]) {
-  const auto is_plain = [&faces](const qvi_polygon* face) {
-    return face == faces[0] || face == faces[1];
-  };
-  if (!is_plain(pierced[0])) qv_item::destroy(pierced[0]);
-  if (!is_plain(pierced[1]) && pierced[1] != pierced[0]) qv_item::destroy(pierced[1]);
-}
+/// What pierces a wall, for as long as it is being replaced: taken out of the scene side by side,
+/// freed together at the end, since one polygon may serve both sides.
+class old_piercing {
+ public:
+  explicit old_piercing(const qvi_wall& wall)
+      : plain_{wall.get_face_0(), wall.get_face_1()},
+        pierced_{wall.get_pierced_face_0(), wall.get_pierced_face_1()} {}
+  old_piercing(const old_piercing&) = delete;
+  old_piercing& operator=(const old_piercing&) = delete;
+  ~old_piercing() {
+    if (is_own(0)) qv_item::destroy(pierced_[0]);
+    if (is_own(1) && pierced_[1] != pierced_[0]) qv_item::destroy(pierced_[1]);
+  }
+
+  /// Nothing when a plain face stands there.
+  void take_out(int side) {
+    if (is_own(side)) pierced_[side]->remove();
+  }
+
+ private:
+  bool is_own(int side) const { return pierced_[side] != plain_[0] && pierced_[side] != plain_[1]; }
+
+  qvi_polygon* plain_[2];
+  qvi_polygon* pierced_[2];
+};
 
 }  // namespace
 
@@ -132,25 +149,28 @@ bool qvi_wall::create_opening(float ratio, bool notify) {
   hide(faces[0]);
   hide(faces[1]);
 
+  old_piercing old(*this);
+  old.take_out(0);
+  old.take_out(1);
   set_pierced_face_0(pierced_0);
   set_pierced_face_1(pierced_1);
-  destroy_pierced_faces(faces, old_pierced);
   add_child(pierced_0, -1);
   if (pierced_1 != pierced_0) add_child(pierced_1, -1);
   return true;
 }
 
 void qvi_wall::remove_piercing() {
-  qvi_polygon* const pierced[2] = {get_pierced_face_0(), get_pierced_face_1()};
-  if (pierced[0] != get_face_0()) {
+  old_piercing old(*this);
+  if (get_pierced_face_0() != get_face_0()) {
     set_pierced_face_0(get_face_0());
     show(get_face_0());
+    old.take_out(0);
   }
-  if (pierced[1] != get_face_1()) {
+  if (get_pierced_face_1() != get_face_1()) {
     set_pierced_face_1(get_face_1());
     show(get_face_1());
+    old.take_out(1);
   }
-  destroy_pierced_faces({get_face_0(), get_face_1()}, pierced);
 }
 
 void qvi_wall::add_generated_opening(const qv_polygon& contour) {

@@ -6,6 +6,7 @@
 #include "bim/materials/qvi_glazing.h"
 #include "core/items/qv_scene.h"
 #include "tests/support/qv_test_buildings.h"
+#include "tests/support/qv_test_openings.h"
 
 namespace {
 
@@ -102,5 +103,87 @@ INSTANTIATE_TEST_SUITE_P(walls, generated_opening, testing::Values(0.0f, 0.2f),
                          [](const testing::TestParamInfo<float>& wall) {
                            return wall.param == 0.0f ? "thin" : "thick";
                          });
+
+// --- in which order the scene is told ---
+
+/// Writes down what came and went, and which parameters changed, in one sequence.
+class sequence_scene : public qv_scene {
+ public:
+  std::vector<std::string> events;
+
+ protected:
+  void item_added(qv_item* item) override {
+    events.push_back("+ " + item->get_name());
+    qv_scene::item_added(item);
+  }
+  void item_changed(qv_item* item, const std::string& name) override {
+    events.push_back(item->get_name() + "." + name);
+    qv_scene::item_changed(item, name);
+  }
+  void item_removed(qv_item* item) override {
+    events.push_back("- " + item->get_name());
+    qv_scene::item_removed(item);
+  }
+};
+
+class notified_order : public testing::Test {
+ protected:
+  notified_order() {
+    qv_test::add_new<qvi_glazing>(scene);
+    scene.precompute();
+  }
+  // The wall with a window, its faces and pierced faces named "face 0" to "pierced 1".
+  void add_window() {
+    ASSERT_TRUE(wall->create_opening(0.3f, true));
+    wall->set_name("wall");
+    scene.get_items("opening")[0]->set_name("window");
+    wall->get_face_1()->set_name("face 1");
+    wall->get_face_0()->set_name("face 0");
+    wall->get_pierced_face_1()->set_name("pierced 1");
+    wall->get_pierced_face_0()->set_name("pierced 0");
+    scene.precompute();
+    scene.events.clear();
+  }
+
+  sequence_scene scene;
+  qvi_wall* wall = qv_test::add_wall(scene, qvi_wall::wall_type::wall, nullptr, nullptr,
+                                     qv_test::rectangle({0, 0, 0}, {4, 0, 0}, {0, 0, 2.5f}));
+};
+
+TEST_F(notified_order, of_a_removal_goes_side_by_side) {
+  add_window();
+  ASSERT_TRUE(wall->create_opening(0.0f, true));
+  ASSERT_GE(scene.events.size(), 11u);
+  scene.events.resize(11);  // the wall's own computation follows
+  EXPECT_EQ(scene.events,
+            (std::vector<std::string>{"- window", "wall.pierced_face_0", "face 0.raytracing_layers",
+                                      "face 0.rendering_layers", "face 0.rendering_visibility",
+                                      "- pierced 0", "wall.pierced_face_1",
+                                      "face 1.raytracing_layers", "face 1.rendering_layers",
+                                      "face 1.rendering_visibility", "- pierced 1"}));
+}
+
+TEST_F(notified_order,
+       of_a_removal_from_a_thin_wall_takes_out_the_one_polygon_with_the_first_side) {
+  wall->set_face_1(wall->get_face_0());
+  wall->set_pierced_face_1(wall->get_face_0());
+  add_window();
+  ASSERT_EQ(wall->get_pierced_face_0(), wall->get_pierced_face_1());
+  ASSERT_TRUE(wall->create_opening(0.0f, true));
+  ASSERT_GE(scene.events.size(), 7u);
+  scene.events.resize(7);
+  EXPECT_EQ(scene.events,
+            (std::vector<std::string>{"- window", "wall.pierced_face_0", "face 0.raytracing_layers",
+                                      "face 0.rendering_layers", "face 0.rendering_visibility",
+                                      "- pierced 0", "wall.pierced_face_1"}));
+}
+
+TEST_F(notified_order, of_a_replacement_takes_the_old_faces_out_before_the_new_ones_come) {
+  add_window();
+  ASSERT_TRUE(wall->create_opening(0.4f, true));
+  EXPECT_EQ(scene.events, (std::vector<std::string>{
+                              "- window", "+ Baie générée sur wall", "- pierced 0", "- pierced 1",
+                              "wall.pierced_face_0", "wall.pierced_face_1", "+ ", "+ "}));
+}
 
 }  // namespace
