@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "bim/imported/qvi_bim_object.h"
+#include "bim/imported/qvi_bim_polygon.h"
 #include "bim/materials/qvi_glazing.h"
 #include "bim/materials/qvi_opaque.h"
 #include "core/items/qv_scene.h"
@@ -152,6 +153,22 @@ TEST_F(opening_geometry, lies_in_the_plane_of_its_outermost_vertices) {
   expect_areas(2, 0, 1);
 }
 
+TEST_F(opening_geometry, may_lie_far_behind_the_origin) {
+  add_piece(*opening, facade_rectangle(0, 0, 2, 1, 5000), glazing);
+  compute();
+  EXPECT_EQ(opening->get_full_face().get_point().y, 5000.0f);
+  expect_areas(2, 0, 0);
+}
+
+TEST_F(opening_geometry, takes_pieces_of_every_class_of_polygons) {
+  const auto shape = facade_rectangle(0, 0, 2, 1);
+  auto* const piece = add_new<qvi_bim_polygon>(*opening);
+  piece->load_from_polygon(&shape);
+  piece->set_front_shader(glazing);
+  compute();
+  expect_areas(2, 0, 0);
+}
+
 TEST_F(opening_geometry, is_seen_along_its_normal) {
   // A pane that leans by 60° about x counts with the half of its area that it shows.
   qv_polygon leaning({0, 0, 0}, {0, 0, 0});
@@ -285,12 +302,12 @@ TEST_F(imported_opening, drops_what_faces_it_by_a_tenth_or_less) {
     shape.add_contour({{0, 0, z}, {1, 0, z}, {1, depth, z + height}, {0, depth, z + height}});
     return shape;
   };
-  add_mesh(leaning(0.09f, 0.1f), nullptr);
+  add_mesh(leaning(0.098f, 0.1f), nullptr);
   compute();
   expect_areas(0, 0, 0);
-  add_mesh(leaning(0.12f, 0.5f), nullptr);
+  add_mesh(leaning(0.102f, 0.5f), nullptr);
   compute();
-  expect_areas(0, 0.2 * 0.12 / std::sqrt(1 - 0.12 * 0.12), 0);
+  expect_areas(0, 0.2 * 0.102 / std::sqrt(1 - 0.102 * 0.102), 0);
 }
 
 TEST_F(imported_opening, lies_in_the_plane_of_its_polygon) {
@@ -302,6 +319,25 @@ TEST_F(imported_opening, lies_in_the_plane_of_its_polygon) {
   for (const qv_3dvector& v : opening->get_glazing_face().get_contour_vertices())
     EXPECT_NEAR(v.y, 0.7, 1e-6);
   EXPECT_EQ(opening->get_opaque_face().get_normal(), qv_3dvector(0, -1, 0));
+}
+
+TEST_F(imported_opening, looks_where_its_own_normal_looks_whatever_its_polygon_does) {
+  outline->reverse();
+  add_mesh(facade_rectangle(0, 0, 2, 1), add_shader(0.3f));
+  compute();
+  expect_areas(2, 0, 0);
+  EXPECT_EQ(opening->get_glazing_face().get_normal(), qv_3dvector(0, -1, 0));
+  EXPECT_EQ(opening->get_full_face().get_normal(), qv_3dvector(0, -1, 0));
+}
+
+TEST_F(imported_opening, has_no_frame_any_more_when_it_is_down_to_its_polygon) {
+  auto* const border = add_piece(*opening, facade_rectangle(2, 0, 2.5f, 1), frame);
+  add_mesh(facade_rectangle(0, 0, 2, 1), add_shader(0.3f));
+  compute();
+  expect_areas(0, 0, 0.5);
+  qv_item::destroy(border);
+  compute();
+  expect_areas(2, 0, 0);
 }
 
 TEST_F(imported_opening, follows_its_source) {

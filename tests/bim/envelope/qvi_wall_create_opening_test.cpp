@@ -398,6 +398,16 @@ TEST_P(facade, with_an_imported_opening_besides_its_generated_one_is_refused) {
   EXPECT_EQ(scene.get_items("opening").get_count(), 2);
 }
 
+TEST_P(facade, whose_plain_face_stands_on_one_side_of_its_window_is_refused) {
+  ASSERT_TRUE(wall->create_opening(0.3f, true));
+  qvi_polygon* const pierced_0 = wall->get_pierced_face_0();
+  wall->set_pierced_face_0(wall->get_face_0());
+  expect_refused();
+  wall->set_pierced_face_0(pierced_0);
+  wall->set_pierced_face_1(wall->get_face_1());
+  expect_refused();
+}
+
 TEST_P(facade, that_lost_its_imported_opening_takes_a_generated_one) {
   qvi_opening* const imported = add_imported_opening();
   scene.precompute();

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "bim/hierarchy/qvi_space.h"
 #include "core/shapes/qvi_solid.h"
 #include "tests/support/qv_recorders.h"
@@ -28,6 +30,7 @@ TEST(qvi_space_shell, copies_the_faces_on_its_side) {
   auto room = qv_test::add_box_room(scene, {0, 0, 0}, {4, 5, 2.5f});
   qvi_shader paint;
   room.floor->get_face_0()->set_front_shader(&paint);
+  room.floor->get_face_0()->set_back_shader(&paint);
   room.space->precompute();
   const auto shell = polygons_below(room.space);
   ASSERT_EQ(shell.size(), 6u);
@@ -50,6 +53,7 @@ TEST(qvi_space_shell, copies_the_faces_on_its_side) {
   }
   EXPECT_EQ(room.floor->get_face_0()->get_front_shader(), &paint);
   room.floor->get_face_0()->set_front_shader(nullptr);
+  room.floor->get_face_0()->set_back_shader(nullptr);
 }
 
 TEST(qvi_space_shell, takes_the_second_face_of_a_wall_of_which_it_is_the_second_space) {
@@ -160,6 +164,22 @@ TEST(qvi_space_shell, measures_a_step_exactly_on_its_grid) {
   space->compute_size_from_shell_geometry(1.8f, area, volume);
   EXPECT_NEAR(area, 2.0f, measured);  // 1 × 2
   EXPECT_NEAR(volume, 2 * 3.0f + 6 * 1.0f, measured);
+}
+
+TEST(qvi_space_shell, takes_for_a_floor_what_looks_down_by_nine_tenths) {
+  for (const float z : {0.91f, 0.89f}) {
+    recording_scene scene;
+    auto* space = qv_test::add_space(scene);
+    // A ramp one metre wide under a ceiling that covers it.
+    const float run = 2 * z, rise = 2 * std::sqrt(1 - z * z);
+    qv_test::add_face(*space, qv_test::rectangle({0, 0, 0}, {0, 1, 0}, {run, 0, rise}));
+    qv_test::add_face(*space, qv_test::rectangle({-1, -1, 9}, {9, -1, 9}, {-1, 2, 9}));
+    float area = -1;
+    float volume = -1;
+    space->compute_size_from_shell_geometry(1.8f, area, volume);
+    EXPECT_NEAR(area, z > 0.9f ? 2.0f : 0.0f, measured);
+    EXPECT_EQ(volume > 0, z > 0.9f);
+  }
 }
 
 TEST(qvi_space_shell, leaves_the_polygons_of_nested_spaces_out) {

@@ -56,6 +56,17 @@ TEST(qvi_space, sorts_its_walls) {
   EXPECT_EQ(to_vector(neighbour->get_walls()), walls{room.sides[2]});
 }
 
+TEST(qvi_space, a_wall_within_it_is_an_inner_one_and_bounds_it_once) {
+  qv_scene scene;
+  auto* space = qv_test::add_space(scene);
+  auto* partition = qv_test::add_wall(scene, type::wall, space, space,
+                                      qv_test::rectangle({1, 0, 0}, {1, 5, 0}, {1, 0, 2.5f}));
+  space->precompute();
+  EXPECT_EQ(to_vector(space->get_walls()), walls{partition});
+  EXPECT_EQ(to_vector(space->get_inner_walls()), walls{partition});
+  EXPECT_TRUE(space->get_outer_walls().is_empty());
+}
+
 TEST(qvi_space, a_floor_lies_under_the_space_that_its_normal_points_to) {
   for (const qv_3dvector& normal :
        {qv_3dvector(0, 0, 1), qv_3dvector(0, 0, -1), qv_3dvector(1, 0, 0)}) {
@@ -217,6 +228,37 @@ TEST(qvi_space, takes_forced_values_from_zero_up) {
   room.space->set_forced_volume(-5);
   EXPECT_NEAR(room.space->get_area(), 20.0f, measured);
   EXPECT_NEAR(room.space->get_volume(), 50.0f, measured);
+}
+
+TEST(qvi_space, measures_an_upright_floor_from_the_face_on_its_own_side) {
+  // A floor whose normal has no z component counts as one that looks down: face 0 is measured.
+  qv_scene scene;
+  auto room = qv_test::add_box_room(scene, {0, 0, 0}, {4, 5, 2.5f});
+  room.floor->set_face_1(
+      qv_test::add_face(*room.floor, qv_test::rectangle({0, 0, 0}, {1, 0, 0}, {0, 1, 0})));
+  room.floor->set_normal({1, 0, 0});
+  room.space->precompute();
+  EXPECT_EQ(to_vector(room.space->get_floors()), walls{room.floor});
+  EXPECT_NEAR(room.space->get_area(), 20.0f, measured);
+}
+
+TEST(qvi_space, sees_what_is_more_than_a_centimetre_above_its_floor) {
+  for (const float height : {0.005f, 0.05f}) {
+    qv_scene scene;
+    auto room = qv_test::add_box_room(scene, {0, 0, 0}, {4, 5, 2.5f});
+    qv_test::add_face(scene, qv_test::rectangle({0, 0, height}, {4, 0, height}, {0, 5, height}));
+    room.space->precompute();
+    const float free_height = height > 0.01f ? height : 2.5f;
+    EXPECT_NEAR(room.space->get_volume(), 20 * free_height, measured) << height;
+  }
+}
+
+TEST(qvi_space, measures_a_shaft_of_any_height) {
+  qv_scene scene;
+  auto room = qv_test::add_box_room(scene, {0, 0, 0}, {4, 5, 50000});
+  room.space->precompute();
+  EXPECT_NEAR(room.space->get_area(), 20.0f, measured);
+  EXPECT_NEAR(room.space->get_volume(), 1e6f, 5.0f);
 }
 
 // --- when it measures ---
