@@ -61,11 +61,16 @@ std::vector<qvi_space*> walk_group(qvi_space* start, qvi_building* building, qvi
 class id_transfer {
  public:
   id_transfer(qv_scene* scene, const qv_list<qv_item*>& walls) {
+    // Objects that are no items of the scene: the scene itself, above a part that stands directly
+    // in it, and what was taken out of it.
+    qv_list<qv_item*> apart;
     for (const qv_item* item : walls) {
       const qv_item* const source = item->get_source();
-      const qv_item* const object = source != nullptr ? source->get_parent() : nullptr;
+      qv_item* const object = source != nullptr ? source->get_parent() : nullptr;
       if (object == nullptr) continue;
       object->get_unique_id();  // given now, so that the index below knows it
+      if ((object == scene || object->get_scene() != scene) && !apart.contains(object))
+        apart.append(object);
       const auto* const wall = static_cast<const qvi_wall*>(item);
       for (const qvi_space* space : {wall->get_space_0(), wall->get_space_1()})
         if (space != nullptr) objects_by_space_[space].push_back(object);
@@ -73,6 +78,7 @@ class id_transfer {
     if (objects_by_space_.empty()) return;
     for (qv_item* item : scene->get_items("item"))
       if (item->has_unique_id()) bearers_[item->get_unique_id()].push_back(item);
+    for (qv_item* object : apart) bearers_[object->get_unique_id()].push_back(object);
   }
 
   // `building` takes over the id of the one object from which the walls around `spaces` came; every

@@ -254,6 +254,25 @@ TEST_F(build_buildings_identity, is_taken_over_from_the_one_object_that_the_wall
   EXPECT_NE(part->get_parent()->get_unique_id(), namesake->get_parent()->get_unique_id());
 }
 
+// A copied wall was made from one that may stand directly in the scene.
+TEST_F(build_buildings_identity, is_never_shared_with_what_it_was_taken_over_from) {
+  scene_.set_unique_id("model");
+  auto* original = join(nullptr, nullptr);
+  between_->set_source(original);
+  run();
+  EXPECT_EQ(a_->get_building()->get_unique_id(), "model");
+  EXPECT_EQ(scene_.get_unique_id().rfind("qv", 0), 0u) << scene_.get_unique_id();
+
+  auto* const part = add_part("taken out");
+  qv_item* const object = part->get_parent();
+  between_->set_source(part);
+  object->remove();
+  run();
+  EXPECT_EQ(a_->get_building()->get_unique_id(), "taken out");
+  EXPECT_EQ(object->get_unique_id().rfind("qv", 0), 0u) << object->get_unique_id();
+  qv_item::destroy(object);
+}
+
 TEST_F(build_buildings_identity, ignores_walls_without_a_source) {
   between_->set_source(add_part("imported"));
   run();
