@@ -77,6 +77,44 @@ void expect_accessors(const std::string& name, Set set, Holds holds, Date date) 
       [](const type& item) { return item.get_##stem##_date(); })
 #define EXPECT_ACCESSORS(type, stem, ...) EXPECT_NAMED_ACCESSORS(#stem, type, stem, __VA_ARGS__)
 
+// Lists of setters by kind are made of pointers to them.
+TEST(accessors, take_numbers_and_references_by_value_and_what_is_larger_by_reference) {
+  using wall = qvi_wall;
+  void (qvi_matter::*const number)(float) = &qvi_matter::set_density;
+  void (wall::*const flag)(bool) = &wall::set_composition_reverse;
+  void (wall::*const kind)(wall::wall_type) = &wall::set_wall_type;
+  void (wall::*const item)(qvi_space*) = &wall::set_space_0;
+  void (wall::*const vector)(const qv_3dvector&) = &wall::set_normal;
+  void (wall::*const strings)(const qv_list<std::string>&) = &wall::set_source_ids;
+  void (qvi_connexion::*const items)(const qv_list<wall*>&) = &qvi_connexion::set_walls;
+  void (qvi_glazing_layer::*const color)(const qv_color&) = &qvi_glazing_layer::set_diffuse_color;
+  void (qvi_glazing::*const text)(const std::string&) = &qvi_glazing::set_model;
+
+  qvi_matter matter;
+  (matter.*number)(2300);
+  EXPECT_EQ(matter.get_density(), 2300);
+  wall one;
+  (one.*flag)(true);
+  (one.*kind)(wall::wall_type::roof);
+  (one.*item)(some<qvi_space>());
+  (one.*vector)({0, 1, 0});
+  (one.*strings)({"a"});
+  EXPECT_TRUE(one.get_composition_reverse());
+  EXPECT_EQ(one.get_wall_type(), wall::wall_type::roof);
+  EXPECT_EQ(one.get_space_0(), some<qvi_space>());
+  EXPECT_EQ(one.get_normal(), qv_3dvector(0, 1, 0));
+  EXPECT_EQ(one.get_source_ids(), qv_list<std::string>{"a"});
+  qvi_connexion connexion;
+  (connexion.*items)({&one});
+  EXPECT_EQ(connexion.get_walls(), qv_list<wall*>{&one});
+  qvi_glazing_layer layer;
+  (layer.*color)({1, 0, 0, 1});
+  EXPECT_EQ(layer.get_diffuse_color(), qv_color(1, 0, 0, 1));
+  qvi_glazing glazing;
+  (glazing.*text)("4/16/4");
+  EXPECT_EQ(glazing.get_model(), "4/16/4");
+}
+
 TEST(accessors, of_the_project) {
   using c = qvi_bim_configuration;
   EXPECT_ACCESSORS(c, contact_types, {qvi_wall::contact_type::roof});

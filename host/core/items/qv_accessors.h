@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <type_traits>
 
 #include "core/items/qv_item.h"
 
@@ -73,6 +74,15 @@
     return labels;                                                    \
   }
 
+namespace qv {
+
+/// How a setter takes its value: numbers, enumerations and pointers by value, what is larger by
+/// reference.
+template <class T>
+using qv_setter_argument = std::conditional_t<std::is_scalar_v<T>, T, const T&>;
+
+}  // namespace qv
+
 /// What every parameter line has in common: accessors of type T over the parameter handle.
 #define QV_PARAM_ACCESSORS(T_, name)                                                      \
   ::qv::qv_param_traits<QV_UNPAREN T_>::result get_##name() const {                       \
@@ -81,7 +91,7 @@
   unsigned int get_##name##_date() const {                                                \
     return this->get_param(name##_param_)->get_date();                                    \
   }                                                                                       \
-  void set_##name(const std::type_identity_t<QV_UNPAREN T_>& value) {                     \
+  void set_##name(::qv::qv_setter_argument<QV_UNPAREN T_> value) {                        \
     this->template set_param_value<QV_UNPAREN T_>(this->get_param(name##_param_), value); \
   }
 #define QV_UNPAREN(...) __VA_ARGS__
