@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <new>
+
 #include "tests/support/qv_probe_item.h"
 #include "tests/support/qv_recorders.h"
 
@@ -126,6 +128,18 @@ TEST(items_tree, collects_depth_first_with_parents_before_children) {
   EXPECT_EQ(to_vector(a->collect("item")), (items{a, a1, a11, a2}));
   EXPECT_EQ(a->collect("no such type").get_count(), 0);
   EXPECT_EQ(qv_collect<derived_probe_item>(&scene, "test_derived_probe")[1], b);
+}
+
+TEST(items_tree, makes_an_item_for_those_who_ask_for_null_when_memory_is_short) {
+  static_assert(noexcept(qv_item::operator new(1, std::nothrow)));
+  qv_scene scene;
+  auto* const item = new (std::nothrow) probe_item;
+  ASSERT_NE(item, nullptr);
+  EXPECT_EQ(item->get_param_count(), probe_item().get_param_count());
+  EXPECT_EQ(item->get_text(), "abc");
+  scene.add_child(item, -1);
+  qv_item::destroy(item);
+  EXPECT_EQ(scene.get_items("test_probe").get_count(), 0);
 }
 
 TEST(items_tree, knows_its_type_and_the_types_above_it) {

@@ -34,7 +34,17 @@ void* qv_item::operator new(std::size_t size) {
   return memory;
 }
 
+void* qv_item::operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  void* const memory = ::operator new(size, std::nothrow);
+  if (memory != nullptr) size_of_next_item = size;
+  return memory;
+}
+
 void qv_item::operator delete(void* memory) {
+  ::operator delete(memory);
+}
+
+void qv_item::operator delete(void* memory, const std::nothrow_t&) noexcept {
   ::operator delete(memory);
 }
 

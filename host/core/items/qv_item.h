@@ -77,8 +77,10 @@ class qv_item {
  public:
   /// The size tells the constructor how many parameters to make room for.
   static void* operator new(std::size_t size);
+  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
   static void* operator new(std::size_t size, void* place) { return ::operator new(size, place); }
   static void operator delete(void* memory);
+  static void operator delete(void* memory, const std::nothrow_t&) noexcept;
 
   // --- parameters ---
   // Each call declares a parameter with its default and returns it; the item owns it. A name
