@@ -28,7 +28,8 @@ class qvi_composition : public qv_item {
   QV_PARAM_ENUM(composition_insulation, insulation, composition_insulation::none)
   /// Kind of building element.
   QV_PARAM_ENUM(composition_typology, typology, composition_typology::wall)
-  QV_PARAM_ITEM_LIST(qvi_matter, layers)
+  /// A layer whose matter is destroyed is null and adds nothing.
+  QV_PARAM_ITEM_LIST(qvi_matter, layers, {.keeps_places = true})
   /// Thickness of each layer in m, in the order of "layers".
   QV_PARAM_LIST(float, layer_thicknesses, {.compared = false})
 

@@ -13,8 +13,8 @@ namespace qv {
 class qvi_material_mix : public qvi_material {
   QV_ITEM_CLASS(qvi_material_mix, qvi_material, "material_mix")
 
-  /// The materials mixed; a mix may be one of them.
-  QV_PARAM_ITEM_LIST(qvi_material, materials, {.compared = false})
+  /// The materials mixed; a mix may be one of them. One that is destroyed is null and adds nothing.
+  QV_PARAM_ITEM_LIST(qvi_material, materials, {.compared = false, .keeps_places = true})
   /// One weight per entry of "materials", in the same order.
   QV_PARAM_LIST(float, materials_ratios, {.compared = false})
 

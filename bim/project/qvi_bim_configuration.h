@@ -22,12 +22,12 @@ class qvi_bim_configuration : public qv_item {
   QV_ITEM_CLASS(qvi_bim_configuration, qv_item, "bim_configuration")
 
   QV_PARAM_ENUM_LIST(qvi_wall, contact_type, contact_types)
-  /// One per entry of "contact_types"; null where the walls agree on none.
-  QV_PARAM_ITEM_LIST(qvi_composition, wall_compositions)
+  /// One per entry of "contact_types"; null where the walls agree on none, or it was destroyed.
+  QV_PARAM_ITEM_LIST(qvi_composition, wall_compositions, {.keeps_places = true})
 
   QV_PARAM_ENUM_LIST(qvi_opening, opening_type, opening_types)
-  /// One per entry of "opening_types"; null where there is none.
-  QV_PARAM_ITEM_LIST(qvi_opening_composition, opening_compositions)
+  /// One per entry of "opening_types"; null where there is none, or it was destroyed.
+  QV_PARAM_ITEM_LIST(qvi_opening_composition, opening_compositions, {.keeps_places = true})
 
   QV_PARAM_ENUM_LIST(qvi_connexion, connexion_type, connexion_types)
   /// ψ in W/(m·K), one per entry of "connexion_types"; 0 where there is none.

@@ -36,6 +36,32 @@ TEST(items_destroy, clears_references_to_the_freed_item_dated_and_announced) {
   EXPECT_GT(scene.get_last_change("test_probe", "link"), before);
 }
 
+// A list that stands beside another one.
+class table_item : public qv_item {
+  QV_ITEM_CLASS(table_item, qv_item, "test_table")
+
+  QV_PARAM_ITEM_LIST(qv_item, entries, {.keeps_places = true})
+  QV_PARAM_ITEM_LIST(qv_item, others)
+};
+QV_ITEM_CLASS_IMPLEMENTATION(table_item)
+
+TEST(items_destroy, leaves_the_place_of_an_entry_in_a_list_that_keeps_places) {
+  recording_scene scene;
+  auto* table = new table_item;
+  scene.add_child(table, -1);
+  auto* kept = add_probe(&scene);
+  auto* doomed = add_probe(&scene);
+  table->set_entries({doomed, kept, doomed, nullptr});
+  table->set_others({doomed, kept, doomed, nullptr});
+  scene.forget();
+  qv_item::destroy(doomed);
+  EXPECT_EQ(table->get_entries(), (qv_list<qv_item*>{nullptr, kept, nullptr, nullptr}));
+  EXPECT_EQ(table->get_others(), (qv_list<qv_item*>{kept, nullptr}));
+  EXPECT_GE(scene.count_changes(table, "entries"), 1);
+  qv_item::destroy(kept);
+  EXPECT_EQ(table->get_entries().get_count(), 4);
+}
+
 TEST(items_destroy, clears_references_to_everything_under_the_freed_item) {
   recording_scene scene;
   auto* holder = add_probe(&scene);

@@ -186,9 +186,14 @@ void qv_param::forget(qv_item* target) {
     store_item(nullptr);
     return;
   }
+  const bool keeps_places = get_options().keeps_places;
   qv_list<qv_item*> kept;
   for (qv_item* entry : get_item_list()) {
-    if (entry != target) kept.append(entry);
+    if (entry != target) {
+      kept.append(entry);
+    } else if (keeps_places) {
+      kept.append(nullptr);
+    }
   }
   store_item_list(kept);
 }

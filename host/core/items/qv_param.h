@@ -12,12 +12,16 @@ namespace qv {
 
 class qv_item;
 
-/// How a parameter takes part in comparisons between items (`qv_item::is_similar_to`).
+/// How a parameter takes part in comparisons between items (`qv_item::is_similar_to`), and what
+/// becomes of a reference to an item that is destroyed.
 struct qv_param_options {
   /// Floats that differ by at most this count as the same value.
   float tolerance = 0;
   /// False leaves the parameter out of the comparison.
   bool compared = true;
+  /// Of a list of items: an entry becomes null when its item is destroyed, so that the others stay
+  /// where they are, for a list that stands beside another one. Otherwise the entry goes.
+  bool keeps_places = false;
 };
 
 struct qv_param_declaration;
@@ -63,7 +67,7 @@ class qv_param {
   void set_date(unsigned int date) { date_ = date; }
   /// Labels of an enumeration in index order; null for other kinds.
   const qv_list<std::string>* get_labels() const;
-  /// How the value is compared between items.
+  /// How the value is compared between items, and what becomes of a reference.
   const qv_param_options& get_options() const;
   /// The item that declared the parameter; null once that item is gone.
   qv_item* get_owner() const;

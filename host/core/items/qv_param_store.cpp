@@ -49,7 +49,8 @@ unsigned int qv_param_declaration::get_index(const std::string& name, qv_param::
     const qv_param_declaration& known = *declarations[index];
     if (known.type == type && known.labels == labels &&
         known.options.tolerance == options.tolerance &&
-        known.options.compared == options.compared) {
+        known.options.compared == options.compared &&
+        known.options.keeps_places == options.keeps_places) {
       return index;
     }
   }

@@ -92,6 +92,17 @@ TEST_F(qvi_composition_test, drops_surplus_thicknesses) {
   EXPECT_EQ(composition_->get_layer_thicknesses().get_count(), 0);
 }
 
+TEST_F(qvi_composition_test, leaves_the_other_layers_their_thicknesses_where_one_is_destroyed) {
+  composition_->set_layers({concrete_, insulant_});
+  composition_->set_layer_thicknesses({0.2f, 0.12f});
+  composition_->precompute();
+  EXPECT_FLOAT_EQ(composition_->get_resistance(), 3.1f);
+  qv_item::destroy(concrete_);
+  composition_->precompute();
+  EXPECT_FLOAT_EQ(composition_->get_thickness(), 0.12f);
+  EXPECT_FLOAT_EQ(composition_->get_resistance(), 3.0f);
+}
+
 TEST_F(qvi_composition_test, leaves_fitting_thicknesses_and_their_date_alone) {
   composition_->set_layers({concrete_, board_});
   composition_->set_layer_thicknesses({0.3f, 0.2f});

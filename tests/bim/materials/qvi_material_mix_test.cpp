@@ -132,6 +132,13 @@ TEST_F(qvi_material_mix_test, works_without_a_scene) {
   qv_item::destroy(mix_);
 }
 
+TEST_F(qvi_material_mix_test, leaves_the_other_materials_their_ratios_where_one_is_destroyed) {
+  qv_item::destroy(wool_);
+  mix_->precompute();
+  EXPECT_FLOAT_EQ(mix_->get_conductivity(), 0.75f * 0.2f);
+  EXPECT_FLOAT_EQ(mix_->get_density(), 0.75f * 500);
+}
+
 TEST_F(qvi_material_mix_test, a_mix_may_hold_another_mix) {
   auto* outer = new qvi_material_mix;
   outer->set_materials({mix_, wool_});

@@ -356,6 +356,29 @@ TEST_F(qvi_bim_configuration_test, goes_by_the_first_entry_of_a_key_even_without
   EXPECT_TRUE(scene_.announced.empty());
 }
 
+TEST_F(qvi_bim_configuration_test, keeps_the_other_choices_where_one_is_destroyed) {
+  auto* brick = project_.add<qvi_composition>("brick");
+  auto* tiles = project_.add<qvi_composition>("tiles");
+  auto* pine = project_.add<qvi_opening_composition>("pine");
+  auto* oak = project_.add<qvi_opening_composition>("oak");
+  configuration_.set_contact_types({contact::outer_wall, contact::roof});
+  configuration_.set_wall_compositions({brick, tiles});
+  configuration_.set_opening_types({kind::window, kind::door});
+  configuration_.set_opening_compositions({pine, oak});
+  qv_item::destroy(brick);
+  qv_item::destroy(pine);
+  qvi_wall* const wall = project_.add_wall(0, contact::outer_wall, nullptr);
+  qvi_wall* const roof = project_.add_wall(0, contact::roof, nullptr);
+  qvi_opening* const window = project_.add_opening(wall, kind::window, nullptr);
+  qvi_opening* const door = project_.add_opening(wall, kind::door, nullptr);
+  configuration_.apply_walls_to_scene(&scene_, project_.both(), true);
+  configuration_.apply_openings_to_scene(&scene_, project_.both(), true);
+  EXPECT_EQ(wall->get_composition(), nullptr);
+  EXPECT_EQ(roof->get_composition(), tiles);
+  EXPECT_EQ(window->get_composition(), nullptr);
+  EXPECT_EQ(door->get_composition(), oak);
+}
+
 TEST_F(qvi_bim_configuration_test, gives_nothing_for_keys_beyond_its_choices) {
   auto* brick = project_.add<qvi_composition>("brick");
   configuration_.set_contact_types({contact::roof, contact::outer_wall});
