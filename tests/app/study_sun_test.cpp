@@ -302,22 +302,24 @@ TEST(qv_program, leaves_nothing_behind_when_it_is_interrupted) {
   EXPECT_FALSE(fs::exists(out));
 }
 
-// What is read is a pipe that says nothing before the interrupt.
+// What is read is a pipe that says nothing before the interrupt. A command that stops before it
+// reads leaves the writer waiting, which is then stopped too.
 TEST(qv_program, leaves_no_folder_behind_when_a_command_of_one_file_is_interrupted) {
   for (const char* command : {"picture", "export --format obj", "configure save", "check --fix"}) {
     SCOPED_TRACE(command);
-    const qv_temporary_folder folder;
-    const std::string out = (folder.path() / "new" / "out.png").string();
-    const std::string pipe = (folder.path() / "model.xml").string();
+    const qv_temporary_folder place;
+    const std::string folder = (place.path() / "new").string();
+    const std::string pipe = (place.path() / "model.xml").string();
     const bool by_place = std::string(command) == "configure save";
-    const auto run = qv_run_shell("set -m; mkfifo '" + pipe + "'; \"$QV\" " + command + " '" +
-                                  pipe + (by_place ? "' '" : "' --out '") + out +
-                                  "' & for i in {1..1000}; do [ -e '" + folder.path().string() +
-                                  "/new' ] && break; sleep 0.01; done; kill -INT $!; cat '" +
-                                  sample + "' > '" + pipe + "'; wait $!");
+    const auto run =
+        qv_run_shell("set -m; mkfifo '" + pipe + "'; \"$QV\" " + command + " '" + pipe +
+                     (by_place ? "' '" : "' --out '") + folder +
+                     "/out.png' & work=$!; for i in {1..1000}; do [ -e '" + folder +
+                     "' ] && break; sleep 0.01; done; kill -INT $work; cat '" + sample + "' > '" +
+                     pipe + "' & writer=$!; wait $work; code=$?; kill $writer; exit $code");
     EXPECT_EQ(run.exit_code, 130) << run.errors;
     EXPECT_THAT(run.errors, HasSubstr("interrupted; nothing was written"));
-    EXPECT_FALSE(fs::exists(folder.path() / "new"));
+    EXPECT_FALSE(fs::exists(folder));
   }
 }
 
