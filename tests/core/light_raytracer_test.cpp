@@ -349,6 +349,36 @@ TEST(qv_raytracer, takes_another_set_at_the_next_update) {
   EXPECT_EQ(tracer.get_triangle_count(), 0);
 }
 
+// What is told of a mesh, and which of coincident ones is met, go by its place in the present set.
+TEST(qv_raytracer, follows_the_order_of_the_set) {
+  const auto a = make_mesh(square(10, 1)), b = make_mesh(square(10, 1));
+  const auto far = make_mesh(square(10, 5));
+  qv_raytracer tracer({a.get(), b.get(), far.get()});
+  tracer.update();
+  qv_ray ray({0.5f, 0.25f, 0}, {0, 0, 1});
+  ASSERT_TRUE(tracer.raytrace(ray));
+  EXPECT_EQ(ray.hit_mesh, a.get());
+  tracer.set_meshes({far.get(), b.get(), a.get()});
+  tracer.update();
+  ASSERT_TRUE(tracer.raytrace(ray));
+  EXPECT_EQ(ray.hit_mesh, b.get());
+  EXPECT_EQ(ray.hit_mesh_index, 1);
+
+  // Both squares let half of the light through, the far one none.
+  const float transmission[] = {0, 0, 0.5f, 0.5f, 0.5f, 0.5f};
+  qv_ray_packet packet;
+  packet.count = 2;
+  packet.set_ray(0, {0.5f, 0.25f, 0}, {0, 0, 1});
+  packet.set_ray(1, {0.5f, 0.25f, 0.5f}, {0, 0, -1});
+  tracer.find_light(packet, transmission, false);
+  EXPECT_EQ(packet.light[0], 0);
+  EXPECT_EQ(packet.light[1], 1);
+  tracer.set_meshes({b.get(), a.get()});
+  tracer.update();
+  tracer.find_light(packet, transmission + 2, false);
+  EXPECT_EQ(packet.light[0], 0.25f);
+}
+
 TEST(qv_raytracer, follows_changes_of_geometry_when_updated) {
   const auto mesh = make_mesh(square(10, 1));
   qv_raytracer tracer({mesh.get()});
@@ -421,6 +451,7 @@ TEST(qv_raytracer, gives_after_many_changes_what_a_new_one_gives) {
       ASSERT_EQ(tracer.raytrace(a), fresh.raytrace(b)) << "round " << round;
       EXPECT_EQ(tracer.is_occluded(a), fresh.is_occluded(b));
       EXPECT_EQ(a.hit_mesh, b.hit_mesh);
+      EXPECT_EQ(a.hit_mesh_index, b.hit_mesh_index);
       EXPECT_EQ(a.hit_triangle, b.hit_triangle);
       EXPECT_NEAR(a.hit_distance, b.hit_distance, 1e-5);
     }

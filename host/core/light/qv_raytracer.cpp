@@ -47,8 +47,9 @@ struct slot {
 
 struct trace_context {
   RTCIntersectContext kernel;
-  const level* current = nullptr;
-  const std::vector<int>* ranks = nullptr;
+  // Of the present level.
+  const primitive* primitives = nullptr;
+  bool has_dead = false;
   // By ray, of its nearest hit.
   std::array<const primitive*, qv_ray_packet::size> nearest;
   std::array<float, qv_ray_packet::size> distance;
@@ -60,59 +61,71 @@ struct trace_context {
   std::array<float, qv_ray_packet::size> passed_distance;
 };
 
-/// Refuses dead triangles, and of two hits at the same distance the one that comes later in the
-/// set. Looks at the triangles themselves only where it must: they are rarely in the cache.
+/// Takes a ray's hit; refuses dead triangles, and of two at the same distance the one that comes
+/// later in the set. Waits for the triangles themselves only where it must: they are rarely in the
+/// cache.
+inline bool accept(trace_context& context, unsigned int ray, unsigned int triangle,
+                   float distance) {
+  const primitive* const hit = context.primitives + triangle;
+  if (context.has_dead && hit->slot < 0) return false;
+  const primitive* const former = context.nearest[ray];
+  if (former != nullptr && distance == context.distance[ray] &&
+      std::pair(hit->rank, hit->triangle) > std::pair(former->rank, former->triangle))
+    return false;
+  // Of the nearest one everything is told; its line comes while the kernel looks for nearer ones.
+  __builtin_prefetch(hit);
+  context.distance[ray] = distance;
+  context.nearest[ray] = hit;
+  return true;
+}
+
+/// Of a single ray, for which the kernel asks most often.
 void accept_hit(const RTCFilterFunctionNArguments* arguments) {
+  auto& context = *reinterpret_cast<trace_context*>(arguments->context);
+  if (!accept(context, 0, RTCHitN_primID(arguments->hit, 1, 0), RTCRayN_tfar(arguments->ray, 1, 0)))
+    arguments->valid[0] = 0;
+}
+
+void accept_packet_hit(const RTCFilterFunctionNArguments* arguments) {
   auto& context = *reinterpret_cast<trace_context*>(arguments->context);
   const unsigned int count = arguments->N;
   for (unsigned int i = 0; i < count; ++i) {
     if (arguments->valid[i] == 0) continue;
-    const unsigned int ray = RTCRayN_id(arguments->ray, count, i);
-    const primitive* hit = &context.current->primitives[RTCHitN_primID(arguments->hit, count, i)];
-    const primitive* former = context.nearest[ray];
-    const float distance = RTCRayN_tfar(arguments->ray, count, i);
-    bool accepted = !context.current->has_dead() || hit->slot >= 0;
-    if (accepted && former != nullptr && distance == context.distance[ray]) {
-      const auto place = [&](const primitive* p) {
-        return std::pair((*context.ranks)[static_cast<std::size_t>(p->slot)], p->triangle);
-      };
-      accepted = place(hit) < place(former);
-    }
-    if (accepted) {
-      context.distance[ray] = distance;
-      context.nearest[ray] = hit;
-    } else {
+    if (!accept(context, RTCRayN_id(arguments->ray, count, i),
+                RTCHitN_primID(arguments->hit, count, i), RTCRayN_tfar(arguments->ray, count, i)))
       arguments->valid[i] = 0;
-    }
   }
+}
+
+void enter(trace_context& context, const level& l) {
+  context.primitives = l.primitives.data();
+  context.has_dead = l.has_dead();
 }
 
 /// Refuses dead triangles, and those that let light through, which take their share of it. The
 /// kernel asks only where there are any of these (`look_in`).
 void accept_occluder(const RTCFilterFunctionNArguments* arguments) {
   auto& context = *reinterpret_cast<trace_context*>(arguments->context);
-  const level& current = *context.current;
   const unsigned int count = arguments->N;
   for (unsigned int i = 0; i < count; ++i) {
     if (arguments->valid[i] == 0) continue;
-    const primitive& hit = current.primitives[RTCHitN_primID(arguments->hit, count, i)];
+    const primitive& hit = context.primitives[RTCHitN_primID(arguments->hit, count, i)];
     if (hit.slot < 0) {
       arguments->valid[i] = 0;
     } else if (context.transmission != nullptr) {
-      const int rank = (*context.ranks)[static_cast<std::size_t>(hit.slot)];
       const qv_3dvector towards_light(RTCRayN_dir_x(arguments->ray, count, i),
                                       RTCRayN_dir_y(arguments->ray, count, i),
                                       RTCRayN_dir_z(arguments->ray, count, i));
       const int struck = towards_light.dot(hit.normal) > 0 ? 0 : 1;
-      const float share = context.transmission[2 * rank + struck];
+      const float share = context.transmission[2 * hit.rank + struck];
       if (!(share > 0)) continue;
       const unsigned int ray = RTCRayN_id(arguments->ray, count, i);
       const float distance = RTCRayN_tfar(arguments->ray, count, i);
-      const bool again =
-          context.passed_mesh[ray] == rank && std::fabs(distance - context.passed_distance[ray]) <=
-                                                  same_passage * std::max(1.0f, distance);
+      const bool again = context.passed_mesh[ray] == hit.rank &&
+                         std::fabs(distance - context.passed_distance[ray]) <=
+                             same_passage * std::max(1.0f, distance);
       if (!again) context.light[ray] *= share;
-      context.passed_mesh[ray] = rank;
+      context.passed_mesh[ray] = hit.rank;
       context.passed_distance[ray] = distance;
       arguments->valid[i] = 0;
     }
@@ -171,9 +184,9 @@ QV_WIDE void look_in(const std::vector<level>& levels, qv_ray_packet& packet,
   for (const level& l : levels) {
     place(query, packet, l.centre);
     for (float& far : query.tfar) far = farthest_light;
-    context.current = &l;
+    enter(context, l);
     context.kernel.filter =
-        l.has_dead() || context.transmission != nullptr ? accept_occluder : nullptr;
+        context.has_dead || context.transmission != nullptr ? accept_occluder : nullptr;
     rtcOccluded8(valid, l.scene, &context.kernel, &query);
     for (int i = 0; i < qv_ray_packet::size; ++i) {
       const bool dark = query.tfar[i] < 0;
@@ -193,7 +206,7 @@ QV_WIDE void look_for(const level& l, const qv_ray_packet& packet, const int* va
     query.hit.geomID[i] = RTC_INVALID_GEOMETRY_ID;
     query.hit.instID[0][i] = RTC_INVALID_GEOMETRY_ID;
   }
-  context.current = &l;
+  enter(context, l);
   rtcIntersect8(valid, l.scene, &context.kernel, &query);
   for (int i = 0; i < qv_ray_packet::size; ++i) distances[i] = query.ray.tfar[i];
 }
@@ -206,9 +219,7 @@ struct qv_raytracer::kernel {
   qv_list<qvi_mesh*> meshes;
   bool set_changed = false;
   std::vector<slot> slots;
-  // By slot, the place of its mesh in the set; −1 not in the set. Apart from the slots, since every
-  // hit asks for it.
-  std::vector<int> ranks;
+  std::vector<int> ranks;  // by slot, the place of its mesh in the set; −1 not in the set
   std::vector<int> free_slots;
   std::vector<int> by_mesh;   // slots in use, by the addresses of their meshes
   std::vector<level> levels;  // the largest first
@@ -220,6 +231,7 @@ struct qv_raytracer::kernel {
   int find_slot(const qvi_mesh* mesh) const;
   int make_slot(qvi_mesh* mesh);
   void bury(slot& s);
+  void renumber(const slot& s, int rank);
   void apply_set(std::vector<int>& fresh);
   void note_if_changed(int index, std::vector<int>& fresh);
   void rebuild(std::vector<int>& fresh);
@@ -262,12 +274,21 @@ void qv_raytracer::kernel::bury(slot& s) {
   s.count = 0;
 }
 
+void qv_raytracer::kernel::renumber(const slot& s, int rank) {
+  for (level& home : levels) {
+    if (home.id != s.level_id) continue;
+    for (std::size_t i = s.first; i < std::size_t{s.first} + s.count; ++i)
+      home.primitives[i].rank = rank;
+  }
+}
+
 void qv_raytracer::kernel::apply_set(std::vector<int>& fresh) {
   // A model that is read once keeps no room to spare.
   if (slots.empty()) {
     slots.reserve(static_cast<std::size_t>(meshes.get_count()));
     ranks.reserve(static_cast<std::size_t>(meshes.get_count()));
   }
+  const std::vector<int> former = ranks;
   ranks.assign(slots.size(), -1);
   for (int i = 0; i < meshes.get_count(); ++i) {
     int index = find_slot(meshes[i]);
@@ -275,6 +296,8 @@ void qv_raytracer::kernel::apply_set(std::vector<int>& fresh) {
       index = make_slot(meshes[i]);
       at(index).date = meshes[i]->get_geometry_date();
       fresh.push_back(index);
+    } else if (former[static_cast<std::size_t>(index)] != i) {
+      renumber(at(index), i);
     }
     rank_of(index) = i;
   }
@@ -335,7 +358,7 @@ void qv_raytracer::kernel::rebuild(std::vector<int>& fresh) {
     slot& s = at(index);
     s.level_id = made.id;
     s.first = static_cast<std::uint32_t>(made.primitives.size());
-    made.append(s.mesh, index);
+    made.append(s.mesh, index, rank_of(index));
     s.count = static_cast<std::uint32_t>(made.primitives.size()) - s.first;
   }
   if (!made.primitives.empty()) {
@@ -419,10 +442,9 @@ bool qv_raytracer::raytrace(qv_ray& ray) const {
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
   context.kernel.filter = accept_hit;
-  context.ranks = &kernel_->ranks;
   context.nearest[0] = nullptr;
   for (const level& l : kernel_->levels) {
-    context.current = &l;
+    enter(context, l);
     place(query.ray, ray.origin, l.centre);
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
     query.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
@@ -432,7 +454,7 @@ bool qv_raytracer::raytrace(qv_ray& ray) const {
   if (nearest == nullptr) return false;
   ray.hit_distance = query.ray.tfar;
   ray.hit_mesh = nearest->mesh;
-  ray.hit_mesh_index = kernel_->rank_of(nearest->slot);
+  ray.hit_mesh_index = nearest->rank;
   ray.hit_triangle = nearest->triangle;
   ray.hit_normal = nearest->normal;
   return true;
@@ -444,8 +466,8 @@ bool qv_raytracer::is_occluded(const qv_ray& ray) const {
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
   for (const level& l : kernel_->levels) {
-    context.current = &l;
-    context.kernel.filter = l.has_dead() ? accept_occluder : nullptr;
+    enter(context, l);
+    context.kernel.filter = context.has_dead ? accept_occluder : nullptr;
     place(query, ray.origin, l.centre);
     rtcOccluded1(l.scene, &context.kernel, &query);
     if (query.tfar < 0) return true;
@@ -458,7 +480,6 @@ void qv_raytracer::find_light(qv_ray_packet& packet, const float* transmission,
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
   if (parallel) context.kernel.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
-  context.ranks = &kernel_->ranks;
   context.transmission = transmission;
   context.light = packet.light;
   if (transmission != nullptr) context.passed_mesh.fill(-1);
@@ -469,8 +490,7 @@ void qv_raytracer::find_light(qv_ray_packet& packet, const float* transmission,
 void qv_raytracer::find_hits(const qv_ray_packet& packet, qv_packet_hits& hits) const {
   trace_context context;
   rtcInitIntersectContext(&context.kernel);
-  context.kernel.filter = accept_hit;
-  context.ranks = &kernel_->ranks;
+  context.kernel.filter = accept_packet_hit;
   context.nearest.fill(nullptr);
 
   alignas(32) int valid[qv_ray_packet::size];
@@ -485,7 +505,7 @@ void qv_raytracer::find_hits(const qv_ray_packet& packet, qv_packet_hits& hits) 
       hits.distance[i] = -1;
       continue;
     }
-    hits.mesh_index[i] = kernel_->rank_of(nearest->slot);
+    hits.mesh_index[i] = nearest->rank;
     hits.normal[i] = nearest->normal;
   }
 }

@@ -68,7 +68,7 @@ void level::swap(level& other) noexcept {
   std::swap(centre, other.centre);
 }
 
-void level::append(qvi_mesh* mesh, int slot) {
+void level::append(qvi_mesh* mesh, int slot, int rank) {
   const qv_list<qv_3dvector>& points = mesh->get_triangle_vertices();
   const qv_list<int>& triangles = mesh->get_triangle_indices();
   const auto first_vertex = static_cast<std::uint32_t>(vertices.size() / 3);
@@ -82,7 +82,7 @@ void level::append(qvi_mesh* mesh, int slot) {
     }
     qv_3dvector normal;
     if (!traceable || !triangle_normal(t, normal)) continue;
-    primitives.push_back({mesh, normal, i / 3, slot});
+    primitives.push_back({mesh, normal, i / 3, slot, rank});
     for (int k = 0; k < 3; ++k)
       indices.push_back(first_vertex + static_cast<std::uint32_t>(triangles[i + k]));
   }

@@ -15,13 +15,17 @@ class qvi_mesh;
 
 namespace qv::light {
 
-/// One traced triangle; `slot` is the tracer's number of its mesh, −1 once the triangle is dead.
-struct primitive {
+/// One traced triangle: all that is told of a hit, in one line of the cache.
+struct alignas(32) primitive {
   qvi_mesh* mesh;
   qv_3dvector normal;
   int triangle;
+  /// The tracer's number of the mesh, −1 once the triangle is dead.
   int slot;
+  /// Place of the mesh in the set.
+  int rank;
 };
+static_assert(sizeof(primitive) == 32);
 
 /// A pool of triangles of a ray tracer with a bounding volume hierarchy of its own.
 struct level {
@@ -35,7 +39,7 @@ struct level {
 
   /// Adds the mesh's vertices, where they are, and its triangles, those left out that are not
   /// finite or have no area.
-  void append(qvi_mesh* mesh, int slot);
+  void append(qvi_mesh* mesh, int slot, int rank);
   qv_3dvector get_vertex(std::uint32_t index) const {
     const float* const first = &vertices[std::size_t{3} * index];
     return {first[0], first[1], first[2]};
