@@ -48,6 +48,18 @@ std::size_t line_count(const std::string& text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
+// Runs a command that makes `folder`/new for the file that it writes, and interrupts it there. What
+// it reads is a pipe that says nothing before. A command that stops before it reads leaves the
+// writer waiting, which is then stopped too.
+qv_program_run run_interrupted(const std::string& command, const std::string& folder) {
+  return qv_run_shell("set -m; cd '" + folder + "'; mkfifo model.xml; \"$QV\" " + command +
+                      " & work=$!; for i in {1..1000}; do [ -e new ] && break; sleep 0.01; done; "
+                      "kill -INT $work; cat '" +
+                      sample +
+                      "' > model.xml & writer=$!; wait $work; code=$?; kill $writer; "
+                      "exit $code");
+}
+
 }  // namespace
 
 TEST(qv_study_sun, shines_on_walls_towards_the_air_and_on_no_others) {
@@ -302,24 +314,16 @@ TEST(qv_program, leaves_nothing_behind_when_it_is_interrupted) {
   EXPECT_FALSE(fs::exists(out));
 }
 
-// What is read is a pipe that says nothing before the interrupt. A command that stops before it
-// reads leaves the writer waiting, which is then stopped too.
 TEST(qv_program, leaves_no_folder_behind_when_a_command_of_one_file_is_interrupted) {
-  for (const char* command : {"picture", "export --format obj", "configure save", "check --fix"}) {
+  for (const char* command :
+       {"picture model.xml --out new/out.png", "export model.xml --format obj --out new/out.obj",
+        "configure save model.xml new/out.json", "check model.xml --fix --out new/out.xml"}) {
     SCOPED_TRACE(command);
     const qv_temporary_folder place;
-    const std::string folder = (place.path() / "new").string();
-    const std::string pipe = (place.path() / "model.xml").string();
-    const bool by_place = std::string(command) == "configure save";
-    const auto run =
-        qv_run_shell("set -m; mkfifo '" + pipe + "'; \"$QV\" " + command + " '" + pipe +
-                     (by_place ? "' '" : "' --out '") + folder +
-                     "/out.png' & work=$!; for i in {1..1000}; do [ -e '" + folder +
-                     "' ] && break; sleep 0.01; done; kill -INT $work; cat '" + sample + "' > '" +
-                     pipe + "' & writer=$!; wait $work; code=$?; kill $writer; exit $code");
+    const auto run = run_interrupted(command, place.path().string());
     EXPECT_EQ(run.exit_code, 130) << run.errors;
     EXPECT_THAT(run.errors, HasSubstr("interrupted; nothing was written"));
-    EXPECT_FALSE(fs::exists(folder));
+    EXPECT_FALSE(fs::exists(place.path() / "new"));
   }
 }
 
