@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "bim/envelope/qvi_wall.h"
 #include "bim/hierarchy/qv_precompute_watch.h"
 #include "bim/hierarchy/qvi_campus.h"
 #include "bim/hierarchy/qvi_space.h"
@@ -56,15 +55,6 @@ storeys sort_into_storeys(const std::vector<float>& bottoms) {
     remaining.swap(higher);
   }
   return sorted;
-}
-
-// Whether the walls and polygons of a precomputed space lie elsewhere by now than in its bounds,
-// which it keeps until it changes itself.
-bool has_outdated_bounds(qvi_space* space) {
-  qv_box bounds;
-  for (qvi_wall* wall : space->get_walls()) bounds.enlarge(wall->get_bounding_box());
-  for (qv_item* polygon : space->collect("polygon")) bounds.enlarge(polygon->get_bounding_box());
-  return !(space->get_local_bounding_box() == bounds);
 }
 
 }  // namespace
@@ -128,7 +118,7 @@ void qvi_building::gather_zones() {
 void qvi_building::number_storeys() {
   // A space keeps its bounds until it changes: taking its storey away makes it find them anew.
   for (qvi_space* space : record_->spaces)
-    if (has_outdated_bounds(space)) space->set_floor(-1);
+    if (!(space->get_local_bounding_box() == space->find_bounds())) space->set_floor(-1);
   std::vector<float> bottoms;
   for (qvi_space* space : record_->spaces) bottoms.push_back(space->get_bounding_box().get_min().z);
   const storeys sorted = sort_into_storeys(bottoms);

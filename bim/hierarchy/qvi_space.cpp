@@ -227,12 +227,17 @@ void qvi_space::compute_size_from_shell_geometry(float min_height, float& area, 
 qv_box qvi_space::get_local_bounding_box() {
   record& r = *record_;
   if (r.bounding_box_date != 0 && r.bounding_box_date >= get_date()) return r.bounding_box;
-  r.bounding_box.clear();
-  if (get_scene() != nullptr)
-    for (qvi_wall* wall : find_walls()) r.bounding_box.enlarge(wall->get_bounding_box());
-  for (qv_item* polygon : collect("polygon")) r.bounding_box.enlarge(polygon->get_bounding_box());
+  r.bounding_box = find_bounds();
   r.bounding_box_date = qv_get_date();
   return r.bounding_box;
+}
+
+qv_box qvi_space::find_bounds() {
+  qv_box bounds;
+  if (get_scene() != nullptr)
+    for (qvi_wall* wall : find_walls()) bounds.enlarge(wall->get_bounding_box());
+  for (qv_item* polygon : collect("polygon")) bounds.enlarge(polygon->get_bounding_box());
+  return bounds;
 }
 
 }  // namespace qv

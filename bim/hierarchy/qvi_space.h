@@ -65,6 +65,9 @@ class qvi_space : public qvi_xspace {
 
   /// Bounds of the space's walls and of the polygons below it, kept until the space changes.
   qv_box get_local_bounding_box() override;
+  /// The bounds of its walls and polygons as they are now, found each time; those of
+  /// `get_local_bounding_box` are kept until the space itself changes.
+  qv_box find_bounds();
   /// When `draw` is true, the spaces directly below, then this one when the mouse is over it or it,
   /// its zone, its building or its campus is selected.
   void render_opengl(bool draw) override;

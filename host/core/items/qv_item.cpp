@@ -78,8 +78,11 @@ qv_item& qv_item::operator=(const qv_item& other) {
   if (this == &other) return *this;
   name_ = other.name_ == nullptr ? nullptr : std::make_unique<std::string>(*other.name_);
   if (params_ != other.params_) {
-    qv_param_sharers::add(this);
-    if (params_->get_owner() == this) params_->orphan();
+    // Otherwise it shares already, with another one.
+    if (params_->get_owner() == this) {
+      params_->orphan();
+      qv_param_sharers::add(this);
+    }
     other.params_->retain();
     params_->release();
     params_ = other.params_;

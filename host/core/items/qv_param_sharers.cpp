@@ -20,8 +20,7 @@ const std::vector<qv_item*>& qv_param_sharers::get_all() {
 }
 
 void qv_param_sharers::add(qv_item* item) {
-  std::vector<qv_item*>& items = sharers();
-  if (std::find(items.begin(), items.end(), item) == items.end()) items.push_back(item);
+  sharers().push_back(item);
 }
 
 void qv_param_sharers::remove(qv_item* item) {

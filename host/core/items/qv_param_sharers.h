@@ -15,7 +15,7 @@ class qv_item;
 class qv_param_sharers {
  public:
   static const std::vector<qv_item*>& get_all();
-  /// Does nothing for an item that shares already.
+  /// An item that does not share yet.
   static void add(qv_item* item);
   /// Does nothing for an item that does not share.
   static void remove(qv_item* item);
